@@ -55,6 +55,12 @@ TEST_F(Told, CharactersOfNumbersAndTruthsAreThoseOfXbaseFiles) {
                         "c.csv"),
               "n,ok,t\n-12,True,\" x\"\n,,abc\n");
     EXPECT_EQ(errors, "");
+    EXPECT_EQ(read("c.bin"), "-12  "
+                             "T"
+                             " x "
+                             "     "
+                             " "
+                             "abc");
     write("s.csv", "n,ok,t\n7,maybe,xyz\n");
     expectFailure("convert s.csv s.bin --type=l.type", "column 'ok'");
 }

@@ -128,7 +128,7 @@ void ClearMirror(IndexMirror& mirror) {
     dropShortcuts(mirror);
     std::memset(At(mirror.entries), 0, static_cast<std::size_t>(mirror.entryCount * entryBytes));
     mirror.root = 0;
-    mirror.walk.count = 0;
+    mirror.walk.known = 0;
 }
 
 namespace {
@@ -159,10 +159,6 @@ bool FillMirror(const IndexTree& index) {
     return fillFrom(MemoryTree(*index.root), mirror, *index.mirror, index.root->data, 0, index.mirror->root);
 }
 
-bool MirrorHas(const IndexMirror& mirror, std::int32_t row) {
-    return reinterpret_cast<const MirrorEntry*>(At(mirror.entries))[row].links != 0;
-}
-
 // ---- searches ----
 
 namespace {
@@ -174,8 +170,8 @@ struct Descent {
     IndexPath* path = nullptr;
     Ref next = 0;
 
-    void start(const IndexTree& index, const MirrorView::Key& sought, IndexPath& way) {
-        tree = MirrorView(index);
+    void start(IndexMirror& mirror, const MirrorView::Key& sought, IndexPath& way) {
+        tree = MirrorView(mirror);
         key = sought;
         path = &way;
         next = tree.root();
@@ -211,7 +207,7 @@ std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head) {
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path) {
     if (index.mirror == nullptr) return FindKey(*index.root, key, path);
     Descent descent;
-    descent.start(index, MirrorKeyOf(key), path);
+    descent.start(*index.mirror, MirrorKeyOf(key), path);
     return (descent.finish() && descent.isPrepared()) || damaged();
 }
 
@@ -234,7 +230,7 @@ bool descend(Descent* descents, std::int32_t count) {
 bool findMirrored(const TreeSearch* searches, std::int32_t count) {
     Descent descents[MaxIndexes];
     for (std::int32_t i = 0; i < count; ++i)
-        descents[i].start(searches[i].index, MirrorKeyOf(*searches[i].key), *searches[i].path);
+        descents[i].start(*searches[i].index.mirror, MirrorKeyOf(*searches[i].key), *searches[i].path);
     if (!descend(descents, count)) return damaged();
     return std::all_of(descents, descents + count,
                        [](const Descent& descent) { return descent.isPrepared() || damaged(); });
@@ -257,16 +253,16 @@ bool FindKeys(const TreeSearch* searches, std::int32_t count) {
     });
 }
 
-bool FindPlaces(const IndexTree* indexes, const std::uint64_t* heads, IndexPath* paths, std::int32_t count) {
+bool FindPlaces(IndexMirror* mirrors, const std::uint64_t* heads, IndexPath* paths, std::int32_t count) {
     const auto isPlace = [](const Descent& descent) { return !descent.path->found && descent.isPrepared(); };
     if (count == 1) {
         Descent only;
-        only.start(indexes[0], {{heads[0], true}, nullptr}, paths[0]);
+        only.start(mirrors[0], {{heads[0], true}, nullptr}, paths[0]);
         return only.finish() && isPlace(only);
     }
     Descent descents[MaxIndexes];
     for (std::int32_t i = 0; i < count; ++i)
-        descents[i].start(indexes[i], {{heads[i], true}, nullptr}, paths[i]);
+        descents[i].start(mirrors[i], {{heads[i], true}, nullptr}, paths[i]);
     return descend(descents, count) && std::all_of(descents, descents + count, isPlace);
 }
 
@@ -313,7 +309,7 @@ namespace {
 template <class Hash>
 void noteLinked(const IndexTree& index, Ref row, const Hash& hash) {
     IndexMirror& mirror = *index.mirror;
-    mirror.walk.count = 0;
+    mirror.walk.known = 0;
     if (mirror.shortcuts == 0) return;
     if (static_cast<std::int32_t>(row) > mirror.lineCount * rowsOfLine) return dropShortcuts(mirror);
     Shortcuts(mirror, hash()).put(row, placeOfRow(index, row));
@@ -349,7 +345,7 @@ void UnlinkNode(const IndexTree& index, IndexPath& path, const KeyView& key) {
     if (index.mirror->shortcuts != 0) Shortcuts(*index.mirror, HashOfKey(key, HeadOfKey(key))).forget(row);
     UnlinkAt(tree, path);
     tree.leave(row);
-    index.mirror->walk.count = 0;
+    index.mirror->walk.known = 0;
 }
 
 void FreeTrees(const IndexTree* indexes, std::int32_t count) {

@@ -43,11 +43,20 @@ struct MirrorEntry {
 // through the keys goes from node to node, and the rows can be fetched before they are wanted. Any change of the
 // tree ends it.
 struct TreeWalk {
-    static constexpr std::int32_t mostRows = 4;
-    std::int32_t count;            // of `rows`; 0: no walk
-    int side;                      // 1 upwards
-    std::uint32_t rows[mostRows];  // first the one that was found
-    IndexPath path;                // to the last of them
+    static constexpr std::uint32_t mostRows = 8, fewRows = 4;  // where few are known, it looks ahead again
+    std::uint32_t
+        known;         // rows from the one that was found on, behind the last of the tree a 0; none: no walk
+    std::uint32_t at;  // where the one that was found stands in `rows`, a ring
+    int side;          // 1 upwards
+    std::uint32_t rows[mostRows];
+    IndexPath path;  // to the last of them
+
+    [[nodiscard]] std::uint32_t& row(std::uint32_t ahead) { return rows[(at + ahead) % mostRows]; }
+    [[nodiscard]] std::uint32_t row(std::uint32_t ahead) const { return rows[(at + ahead) % mostRows]; }
+    void step() {
+        at = (at + 1) % mostRows;
+        --known;
+    }
 };
 
 // Plain words, which stand in a block of the heap; all zero for a tree without one.
@@ -83,8 +92,9 @@ public:
     };
 
     MirrorView() = default;  // of nothing
-    explicit MirrorView(const IndexTree& index)
-        : mirror_(index.mirror), entries_(reinterpret_cast<MirrorEntry*>(At(index.mirror->entries))) {}
+    explicit MirrorView(const IndexTree& index) : MirrorView(*index.mirror) {}
+    explicit MirrorView(IndexMirror& mirror)
+        : mirror_(&mirror), entries_(reinterpret_cast<MirrorEntry*>(At(mirror.entries))) {}
 
     [[nodiscard]] Ref root() const { return mirror_->root; }
     [[nodiscard]] Ref child(Ref row, int side) const { return linkOf(entries_[row].links, side); }
@@ -205,7 +215,9 @@ void ClearMirror(IndexMirror& mirror);  // of a tree that is now empty
 // mirrored: the mirror is then of no use.
 bool FillMirror(const IndexTree& index);
 // Whether some node has this row's number already.
-bool MirrorHas(const IndexMirror& mirror, std::int32_t row);
+inline bool MirrorHas(const IndexMirror& mirror, std::int32_t row) {
+    return reinterpret_cast<const MirrorEntry*>(At(mirror.entries))[row].links != 0;
+}
 // "" or what is wrong.
 std::string CheckMirror(const IndexTree& index);
 
@@ -224,7 +236,7 @@ bool MakeNodes(const IndexTree& index, const KeyView& shape);
 bool FindKey(const IndexTree& index, const KeyView& key, IndexPath& path);  // 763
 // The places of whole keys, given by their heads, in nodeless mirrors; false, without an error, when one of them is
 // there or a tree is damaged.
-bool FindPlaces(const IndexTree* indexes, const std::uint64_t* heads, IndexPath* paths, std::int32_t count);
+bool FindPlaces(IndexMirror* mirrors, const std::uint64_t* heads, IndexPath* paths, std::int32_t count);
 void LinkPlace(const IndexTree& index, const IndexPath& path, std::uint64_t head, std::int32_t row);
 // The row of a whole key of which there is a shortcut; 0 for none.
 std::uint32_t FollowShortcut(const IndexTree& index, std::uint64_t head);
@@ -253,5 +265,11 @@ void FreeTrees(const IndexTree* indexes, std::int32_t count);
 // A search for an end or for a neighbour; 0 for none. False: 763.
 bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, const MirrorView::Key& key,
                 MirrorView::Ref& row);
+// The neighbour above a whole key at which a walk upwards stands, if it knows enough rows; 0: nothing has changed.
+inline MirrorView::Ref StepOnWalk(const MirrorView& tree, TreeWalk& walk, std::uint64_t head) {
+    if (walk.known <= TreeWalk::fewRows + 1 || walk.side != 1 || tree.head(walk.row(0)) != head) return 0;
+    walk.step();
+    return walk.row(0);
+}
 
 }  // namespace tarn

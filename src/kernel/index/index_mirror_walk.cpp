@@ -3,8 +3,6 @@
 // The walk along a mirrored tree, from row to row.
 #include "kernel/index/index_mirror.h"
 
-#include <algorithm>
-
 namespace tarn {
 
 namespace {
@@ -13,11 +11,13 @@ using Ref = MirrorView::Ref;
 
 // Goes on from the path's node to the last one on this side. False: too deep.
 bool goDown(const MirrorView& tree, IndexPath& path, int side) {
-    for (Ref next = tree.child(path.nodes[path.depth], side); next != 0; next = tree.child(next, side)) {
-        path.sides[path.depth] = static_cast<std::uint8_t>(side);
-        if (++path.depth == MaxTreeDepth) return false;
-        path.nodes[path.depth] = next;
+    std::int32_t depth = path.depth;
+    for (Ref next = tree.child(path.nodes[depth], side); next != 0; next = tree.child(next, side)) {
+        path.sides[depth] = static_cast<std::uint8_t>(side);
+        if (++depth == MaxTreeDepth) return false;
+        path.nodes[depth] = next;
     }
+    path.depth = depth;
     return true;
 }
 
@@ -64,19 +64,20 @@ bool findEnd(const MirrorView& tree, IndexPath& path, int side) {
 
 // A new walk, to the node of its path, which has a depth below 0 for none.
 void start(TreeWalk& walk, int side) {
-    walk.count = walk.path.depth < 0 ? 0 : 1;
+    walk.known = walk.path.depth < 0 ? 0 : 1;
+    walk.at = 0;
     walk.side = side;
-    if (walk.count != 0) walk.rows[0] = walk.path.nodes[walk.path.depth];
+    if (walk.known != 0) walk.row(0) = walk.path.nodes[walk.path.depth];
 }
 
-// The walk goes on by one row, and looks ahead as far as it can.
+// The walk goes on by one row, and looks as far ahead as it can when it knows few.
 bool proceed(const MirrorView& tree, TreeWalk& walk) {
-    std::copy(walk.rows + 1, walk.rows + walk.count, walk.rows);
-    --walk.count;
+    walk.step();
+    if (walk.known > TreeWalk::fewRows) return true;
     // A path that is at its end stays there: 0 follows, which ends the walk when its turn comes.
-    while (walk.count < TreeWalk::mostRows && (walk.count == 0 || walk.rows[walk.count - 1] != 0)) {
-        if (!goOn(tree, walk.path, walk.side, walk.rows[walk.count])) return false;
-        ++walk.count;
+    while (walk.known < TreeWalk::mostRows && (walk.known == 0 || walk.row(walk.known - 1) != 0)) {
+        if (!goOn(tree, walk.path, walk.side, walk.row(walk.known))) return false;
+        ++walk.known;
     }
     return true;
 }
@@ -87,19 +88,19 @@ bool SeekOnWalk(const MirrorView& tree, TreeWalk& walk, const TreeSeek& seek, co
                 Ref& row) {
     row = 0;
     const int side = seek.end != 0 ? seek.end < 0 : seek.nearest > 0;
-    const bool goesOn = seek.end == 0 && !seek.equal && walk.count != 0 && walk.side == side &&
-                        walk.rows[0] != 0 && tree.order(key, walk.rows[0]) == 0;
+    const bool goesOn = seek.end == 0 && !seek.equal && walk.known != 0 && walk.side == side &&
+                        walk.row(0) != 0 && tree.order(key, walk.row(0)) == 0;
     if (goesOn) {
-        if (!proceed(tree, walk)) return walk.count = 0, false;
-        row = walk.rows[0];
-        if (row == 0) walk.count = 0;
+        if (!proceed(tree, walk)) return walk.known = 0, false;
+        row = walk.row(0);
+        if (row == 0) walk.known = 0;
         return true;
     }
-    walk.count = 0;
+    walk.known = 0;
     if (!(seek.end != 0 ? findEnd(tree, walk.path, 1 - side) : findNearest(tree, walk.path, seek, key)))
         return false;
     start(walk, side);
-    row = walk.count != 0 ? walk.rows[0] : 0;
+    row = walk.known != 0 ? walk.row(0) : 0;
     return true;
 }
 

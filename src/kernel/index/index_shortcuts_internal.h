@@ -51,14 +51,11 @@ public:
     // no empty slot, as there is no tag 1. Only the row's own key tells whether it is the one.
     template <class Visit>
     bool eachSlot(const Visit& visit) const {
-        for (std::int32_t half = 0; half < 2; ++half) {
-            std::uint64_t tags = 0;
-            std::memcpy(&tags, line_.tags + half * slotsOfHalf, sizeof tags);
-            const std::uint64_t differs = tags ^ everySlot * tag_;
-            std::uint64_t same = (differs - everySlot) & ~differs & everySlot << topOfTag;
-            for (; same != 0; same &= same - 1) {
-                if (visit(half * slotsOfHalf + std::countr_zero(same) / tagBits)) return true;
-            }
+        // One number for both halves, because no processor guesses in which of them a key stands.
+        std::uint64_t same = sameTags(0) >> 1U | sameTags(1);
+        for (; same != 0; same &= same - 1) {
+            const int bit = std::countr_zero(same);
+            if (visit(bit / tagBits + bit % 2 * slotsOfHalf)) return true;
         }
         return false;
     }
@@ -93,6 +90,14 @@ private:
     static constexpr std::int32_t slotsOfHalf = 4, tagBits = 16, topOfTag = 15;
     static constexpr std::uint64_t everySlot = 0x0001000100010001;
     static constexpr std::uint32_t placeStep = 16, lowerBits = 32 - MirroredRowBits;
+
+    // The top bit of each tag of a half that is the own one.
+    [[nodiscard]] std::uint64_t sameTags(std::int32_t half) const {
+        std::uint64_t tags = 0;
+        std::memcpy(&tags, line_.tags + half * slotsOfHalf, sizeof tags);
+        const std::uint64_t differs = tags ^ everySlot * tag_;
+        return (differs - everySlot) & ~differs & everySlot << topOfTag;
+    }
 
     // From other bits than the line's number: those are the top ones.
     static std::uint16_t tagOf(std::uint32_t hash) {

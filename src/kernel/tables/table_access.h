@@ -24,8 +24,25 @@ static_assert(sizeof(TableHeader) == 248);
 // The kinds of its fields: a list, a string, five records, five integers.
 inline constexpr FieldKinds TableHeaderKinds = {{0xB6, 0x77, 0x77, 0x73, 0x33, 0x33}};
 
-// A table with a whole row header.
-bool IsTable(const TableDescriptor* t);
+// The row header of a table that has a whole one; null.
+inline TableHeader* WholeHeader(const TableDescriptor* t) {
+    if (t == nullptr || t->tag != TagTable || t->data == 0) return nullptr;
+    if (t->size != std::int32_t{sizeof(RecordDescriptor)}) return nullptr;
+    const auto& record = *reinterpret_cast<const RecordDescriptor*>(At(t->data));
+    if (record.tag != TagRecord || record.data == 0 || record.size != std::int32_t{sizeof(TableHeader)})
+        return nullptr;
+    if (std::memcmp(&record.kinds, &TableHeaderKinds, sizeof(FieldKinds)) != 0) return nullptr;
+    // What IsList looks for, of a list of records.
+    auto* const header = reinterpret_cast<TableHeader*>(At(record.data));
+    const ListDescriptor& rows = header->rows;
+    if (rows.size < 0 || rows.count < 0 || rows.prototype == 0) return nullptr;
+    if (rows.maxlength != UNBOUNDED && rows.maxlength < 1) return nullptr;
+    const bool whole =
+        rows.tag == KindRecord + TagInFile ||
+        (rows.tag == KindRecord && std::int64_t{rows.count} * KindSize[KindRecord] <= rows.size);
+    return whole ? header : nullptr;
+}
+bool IsTable(const TableDescriptor* t);  // with a whole row header
 inline TableHeader& HeaderOf(const TableDescriptor& t) {
     const auto record = ReadAt<RecordDescriptor>(At(t.data));
     return *reinterpret_cast<TableHeader*>(At(record.data));

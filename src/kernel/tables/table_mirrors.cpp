@@ -6,8 +6,11 @@
 #include "kernel/run/errors.h"
 #include "kernel/values/adt_kinds.h"
 #include "kernel/values/fewbytes.h"
+#include "kernel/values/heap_look.h"
+#include "kernel/values/heap_quick.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace tarn {
@@ -37,14 +40,18 @@ void nameBlock(TableHeader& header, Offset block) {
     header.typeInfo.reserved = static_cast<std::int32_t>(block | kept);
 }
 
+// A header stands in the heap, whatever else is wrong with it.
+Offset placeOf(const TableHeader& header) {
+    return static_cast<Offset>(reinterpret_cast<const char*>(&header) - tarn_heap_base);
+}
+
 TableMirrors* mirrorsOf(const TableHeader& header) {
     constexpr Offset blockStep = 16;
     const Offset at = static_cast<Offset>(header.typeInfo.reserved) & ~wasAskedFor;
-    if (at == 0 || at % blockStep != 0) return nullptr;
-    char* const block = At(at);
-    if (OffsetOf(block + sizeof(TableMirrors) - 1) == 0) return nullptr;  // it ends behind the heap
-    auto* const mirrors = reinterpret_cast<TableMirrors*>(block);
-    return mirrors->header == OffsetOf(&header) ? mirrors : nullptr;
+    if (at == 0 || at % blockStep != 0 || std::uint64_t{at} + sizeof(TableMirrors) > HeapTop) return nullptr;
+    // What programs have written there may name a block that was freed.
+    const bool own = LookAt<Offset>(at + offsetof(TableMirrors, header)) == placeOf(header);
+    return own ? reinterpret_cast<TableMirrors*>(At(at)) : nullptr;
 }
 
 TableMirrors* makeBlock(TableHeader& header) {
@@ -53,7 +60,7 @@ TableMirrors* makeBlock(TableHeader& header) {
     Allocate(block, sizeof(TableMirrors));
     if (block == 0) return nullptr;
     auto* const mirrors = reinterpret_cast<TableMirrors*>(At(block));
-    *mirrors = {OffsetOf(&header), 0, PlainTreeChanges, HoldsNumbersOnly(RowShape(header).kinds), {}};
+    *mirrors = {placeOf(header), 0, PlainTreeChanges, HoldsNumbersOnly(RowShape(header).kinds), {}};
     nameBlock(header, block);
     return mirrors;
 }
@@ -159,16 +166,15 @@ void fetchSoon(const void* at) {
 }
 
 // Of the row that comes next the content: its descriptor was asked for some steps before.
-constexpr std::int32_t contentAhead = 1, descriptorAhead = TreeWalk::mostRows - 1;
+constexpr std::uint32_t contentAhead = 1, descriptorAhead = TreeWalk::fewRows - 1;
 static_assert(contentAhead < descriptorAhead);
 void prefetchRows(const TableHeader& header, const TreeWalk& walk) {
-    const auto numberOf = [&](std::int32_t i) {
-        const auto number = i < walk.count ? static_cast<std::int32_t>(walk.rows[i]) : 0;
-        return HasRow(header, number) ? number : 0;
-    };
-    if (const std::int32_t number = numberOf(descriptorAhead); number != 0) fetchSoon(&RowAt(header, number));
-    if (const std::int32_t number = numberOf(contentAhead); number != 0)
-        fetchSoon(tarn_heap_base + RowAt(header, number).data);
+    // What is not known is some number, and fetching what is not there does nothing.
+    const Offset ahead =
+        header.rows.data + (walk.row(descriptorAhead) - 1) * Offset{sizeof(RecordDescriptor)};
+    fetchSoon(tarn_heap_base + ahead);
+    const auto number = static_cast<std::int32_t>(walk.row(contentAhead));
+    if (HasRow(header, number)) fetchSoon(tarn_heap_base + RowAt(header, number).data);
 }
 
 }  // namespace
@@ -226,10 +232,11 @@ bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDesc
 bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                      RecordDescriptor* row) {
     IndexMirror* const mirror = quickMirror(header, indexNumber, key, row);
-    if (mirror == nullptr || mirror->walk.count == 0) return false;
-    const MirrorView tree({&header.roots[indexNumber - 1], mirror, &header.rows});
-    std::uint32_t number = 0;
-    if (!SeekOnWalk(tree, mirror->walk, {0, false, 1}, {{headOf(*key, 0), true}, nullptr}, number))
+    if (mirror == nullptr || mirror->walk.known == 0) return false;
+    const MirrorView tree(*mirror);
+    const std::uint64_t head = headOf(*key, 0);
+    std::uint32_t number = StepOnWalk(tree, mirror->walk, head);
+    if (number == 0 && !SeekOnWalk(tree, mirror->walk, {0, false, 1}, {{head, true}, nullptr}, number))
         return false;
     prefetchRows(header, mirror->walk);
     return copyNumbers(header, number, *row);
@@ -245,17 +252,21 @@ bool canTake(const IndexMirror& mirror, std::int32_t number) {
 
 // A row of numbers behind the others, in the block of the list; false: 802.
 bool appendNumbers(ListDescriptor& rows, const RecordDescriptor& shape, const RecordDescriptor& row) {
-    RecordDescriptor made = shape;
-    if (!AllocateData(made, shape.size)) return false;
-    MoveBytes(tarn_heap_base + made.data, tarn_heap_base + row.data, static_cast<std::size_t>(shape.size));
-    WriteAt(TakeRoomBehind(rows, KindRecord), made);
+    Offset content = 0;
+    Allocate(content, shape.size);
+    if (content == 0) return false;
+    MoveBytes(tarn_heap_base + content, tarn_heap_base + row.data, static_cast<std::size_t>(shape.size));
+    // Made where it stands, because a descriptor that is written in parts waits before it can be copied whole.
+    auto& made = *reinterpret_cast<RecordDescriptor*>(TakeRoomBehind(rows, KindRecord));
+    made = shape;
+    made.data = content;
     return true;
 }
 
 }  // namespace
 
-bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescriptor* row) {
-    TableHeader& header = HeaderOf(t);
+bool AddQuickly(TableDescriptor& t, TableHeader& header, std::int32_t indexNumber,
+                const RecordDescriptor* row) {
     TableMirrors* const mirrors = mirrorsOf(header);
     const RecordDescriptor& shape = RowShape(header);
     if (mirrors == nullptr || !mirrors->numbers || !isLike(row, shape.size, shape.kinds)) return false;
@@ -264,17 +275,16 @@ bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescri
     if (indexNumber < 1 || indexNumber > count || t.maxlength != UNBOUNDED ||
         !HasRoomBehind(rows, KindRecord))
         return false;
-    IndexTree trees[MaxIndexes];
     std::uint64_t heads[MaxIndexes];
     IndexPath paths[MaxIndexes];
     for (std::int32_t i = 0; i < count; ++i) {
         if (!canTake(mirrors->indexes[i], number)) return false;
-        trees[i] = treeOf(header, *mirrors, i);
         heads[i] = headOf(*row, mirrors->indexes[i].keyAt);
     }
-    if (!FindPlaces(trees, heads, paths, count)) return false;
+    if (!FindPlaces(mirrors->indexes, heads, paths, count)) return false;
     if (!appendNumbers(rows, shape, *row)) return true;
-    for (std::int32_t i = 0; i < count; ++i) LinkPlace(trees[i], paths[i], heads[i], number);
+    for (std::int32_t i = 0; i < count; ++i)
+        LinkPlace(treeOf(header, *mirrors, i), paths[i], heads[i], number);
     t.count = rows.count;
     return true;
 }

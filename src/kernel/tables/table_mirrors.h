@@ -54,9 +54,10 @@ bool ReadQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDesc
 bool ReadNextQuickly(TableHeader& header, std::int32_t indexNumber, const RecordDescriptor* key,
                      RecordDescriptor* row);
 
-// Likewise for adding a row with such keys alone, when there is room for it; false then changes nothing at all. The
-// result may be true with 802 set, and the table as it was.
-bool AddQuickly(TableDescriptor& t, std::int32_t indexNumber, const RecordDescriptor* row);
+// Likewise for adding a row with such keys alone to the table of this header, when there is room for it; false then
+// changes nothing at all. The result may be true with 802 set, and the table as it was.
+bool AddQuickly(TableDescriptor& t, TableHeader& header, std::int32_t indexNumber,
+                const RecordDescriptor* row);
 
 // The trees are then empty, and there are no mirrors.
 void FreeTableTrees(TableHeader& header);

@@ -96,7 +96,9 @@ void TableInit(TableDescriptor* t, std::int32_t maxlength, const RecordDescripto
 // ---- rows ----
 
 void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* row) {
-    if (IsTable(t) && AddQuickly(*t, indexNumber, row)) return;
+    if (TableHeader* const whole = WholeHeader(t);
+        whole != nullptr && AddQuickly(*t, *whole, indexNumber, row))
+        return;
     if (!AcceptTable(t) || !AcceptTableRow(HeaderOf(*t), row)) return;
     const TableHeader& header = HeaderOf(*t);
     if (t->maxlength != UNBOUNDED && header.rows.count >= t->maxlength) return SetError(ERR_FIXED_TABLE);
@@ -106,7 +108,9 @@ void TableAdd(TableDescriptor* t, std::int32_t indexNumber, const RecordDescript
 
 void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordDescriptor* key,
                RecordDescriptor* row) {
-    if (IsTable(t) && ReadQuickly(HeaderOf(*t), indexNumber, key, row)) return;
+    if (TableHeader* const whole = WholeHeader(t);
+        whole != nullptr && ReadQuickly(*whole, indexNumber, key, row))
+        return;
     KeyView view;
     bool found = false;
     bool good = AcceptTable(t);
@@ -121,7 +125,8 @@ void TableRead(const TableDescriptor* t, std::int32_t indexNumber, const RecordD
 
 void TableFind(std::string_view op, const TableDescriptor* t, std::int32_t indexNumber,
                const RecordDescriptor* key, RecordDescriptor* row, bool& found) {
-    found = isNext(op) && IsTable(t) && ReadNextQuickly(HeaderOf(*t), indexNumber, key, row);
+    TableHeader* const whole = isNext(op) ? WholeHeader(t) : nullptr;
+    found = whole != nullptr && ReadNextQuickly(*whole, indexNumber, key, row);
     if (found) return;
     found = find(op, t, indexNumber, key, row);
     if (!found) ClearRowOutput(row);

@@ -20,18 +20,7 @@
 namespace tarn {
 
 bool IsTable(const TableDescriptor* t) {
-    if (t == nullptr || t->tag != TagTable || t->data == 0) return false;
-    if (t->size != std::int32_t{sizeof(RecordDescriptor)}) return false;
-    const auto& record = *reinterpret_cast<const RecordDescriptor*>(At(t->data));
-    if (record.tag != TagRecord || record.data == 0 || record.size != std::int32_t{sizeof(TableHeader)})
-        return false;
-    if (std::memcmp(&record.kinds, &TableHeaderKinds, sizeof(FieldKinds)) != 0) return false;
-    // What IsList looks for, of a list of records.
-    const ListDescriptor& rows = reinterpret_cast<const TableHeader*>(At(record.data))->rows;
-    if (rows.size < 0 || rows.count < 0 || rows.prototype == 0) return false;
-    if (rows.maxlength != UNBOUNDED && rows.maxlength < 1) return false;
-    return rows.tag == KindRecord + TagInFile ||
-           (rows.tag == KindRecord && std::int64_t{rows.count} * KindSize[KindRecord] <= rows.size);
+    return WholeHeader(t) != nullptr;
 }
 
 bool IsKeyMap(const RecordDescriptor& row, std::int32_t keyMap) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A block without memory checking is nothing but its bytes: the caller's size says its class. With memory checking it
-// has more around them (heap_guards_internal.h), which count for its class. From FirstBlock to `top` the range is blocks
-// without a gap, taken or free; a free one holds the offset of the next of its class in its first word. Behind `top`
+// has more around them (heap_guards_internal.h), which count for its class. From FirstBlock to HeapTop the range is blocks
+// without a gap, taken or free; a free one holds the offset of the next of its class in its first word. Behind it
 // there is nothing, in pages that are committed already or not: a block that is given back there is no free one.
 #include "kernel/values/heap.h"
 
@@ -28,6 +28,7 @@ char* tarn_heap_base = nullptr;
 namespace tarn {
 
 bool HeapIsPlain = true;
+std::uint64_t HeapTop = FirstBlock;
 
 namespace {
 
@@ -71,7 +72,6 @@ static_assert(classesAreRight());
 struct Heap {
     std::uint64_t reserved = 0;   // bytes of the range
     std::uint64_t committed = 0;  // of them usable
-    std::uint64_t top = FirstBlock;
     Offset free[classCount] = {};
     GuardedBlocks guarded;
     std::int64_t live = 0;
@@ -110,10 +110,10 @@ bool commit(std::uint64_t upTo, bool smallBlocks) {
 
 Offset extend(std::int32_t bytes) {
     if (tarn_heap_base == nullptr && !reserve()) return 0;
-    const std::uint64_t end = heap.top + static_cast<std::uint64_t>(bytes);
+    const std::uint64_t end = HeapTop + static_cast<std::uint64_t>(bytes);
     if (end > heap.reserved || (end > heap.committed && !commit(end, bytes < releaseFrom))) return 0;
-    const auto block = static_cast<Offset>(heap.top);
-    heap.top = end;
+    const auto block = static_cast<Offset>(HeapTop);
+    HeapTop = end;
     return block;
 }
 
@@ -213,7 +213,7 @@ void wipe(char* bytes, std::int32_t count) {
 
 // Whether a block of class `index` is the last one of the used range. Small ones do not ask for that.
 bool isLast(Offset block, int index) {
-    return block + static_cast<std::uint64_t>(classBytes(index)) == heap.top;
+    return block + static_cast<std::uint64_t>(classBytes(index)) == HeapTop;
 }
 
 void giveRaw(Offset block, std::int32_t bytes) {
@@ -221,7 +221,7 @@ void giveRaw(Offset block, std::int32_t bytes) {
     wipe(tarn_heap_base + block, bytes);
     if (index < smallClasses || !isLast(block, index)) return pushFree(block, index);
     allow(block, index, 0);
-    heap.top = block;
+    HeapTop = block;
 }
 
 // Lets the last block of the range grow where it is, from one class to another, when no free block waits for
@@ -231,21 +231,21 @@ bool growLast(Offset block, int index, int larger) {
     const std::uint64_t end = block + static_cast<std::uint64_t>(classBytes(larger));
     if (end > heap.reserved || (end > heap.committed && !commit(end, classBytes(larger) < releaseFrom)))
         return false;
-    heap.top = end;
+    HeapTop = end;
     return true;
 }
 
 // Without memory checking: what can be told from the numbers alone.
 std::int32_t plausible(Offset block, std::int32_t size) {
-    if (block < FirstBlock || block % 16 != 0 || block >= heap.top) return ERR_NO_SUCH_BLOCK;
-    if (size < 1 || size > MaxBlock || block + static_cast<std::uint64_t>(size) > heap.top)
+    if (block < FirstBlock || block % 16 != 0 || block >= HeapTop) return ERR_NO_SUCH_BLOCK;
+    if (size < 1 || size > MaxBlock || block + static_cast<std::uint64_t>(size) > HeapTop)
         return ERR_WRONG_BLOCK_SIZE;
     return ERR_NONE;
 }
 
 // 0 for a block of `size` bytes, as far as it can be told, otherwise the error of freeing it.
 std::int32_t examine(Offset block, std::int32_t size) {
-    return heap.checking ? heap.guarded.examine(block, size, heap.top) : plausible(block, size);
+    return heap.checking ? heap.guarded.examine(block, size, HeapTop) : plausible(block, size);
 }
 
 // ---- requests ----
@@ -311,7 +311,7 @@ void shrinkInPlace(Offset block, std::int32_t oldSize, std::int32_t newSize) {
 Offset OffsetOf(const void* address) {
     const auto* byte = static_cast<const char*>(address);
     if (byte == nullptr || tarn_heap_base == nullptr) return 0;
-    if (byte < tarn_heap_base || byte >= tarn_heap_base + heap.top) return 0;
+    if (byte < tarn_heap_base || byte >= tarn_heap_base + HeapTop) return 0;
     return static_cast<Offset>(byte - tarn_heap_base);
 }
 
@@ -322,12 +322,12 @@ bool allocateQuickly(Offset& block, std::int32_t size) {
     const auto last = static_cast<std::uint32_t>(size) - 1;
     if (last >= smallLimit || !HeapIsPlain) return false;
     const int index = static_cast<int>(last) / smallStep;
-    const std::uint64_t end = heap.top + static_cast<std::uint64_t>(classBytes(index));
+    const std::uint64_t end = HeapTop + static_cast<std::uint64_t>(classBytes(index));
     if (heap.free[index] != 0) {
         block = popFree(index);
     } else if (end <= heap.committed) {
-        block = static_cast<Offset>(heap.top);
-        heap.top = end;
+        block = static_cast<Offset>(HeapTop);
+        HeapTop = end;
     } else {
         return false;
     }
@@ -417,7 +417,7 @@ bool MemoryChecking() {
 }
 
 Leaks CountLeaks() {
-    return heap.guarded.count(heap.top);
+    return heap.guarded.count(HeapTop);
 }
 
 std::int64_t LiveBlocks() {

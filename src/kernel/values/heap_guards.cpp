@@ -2,7 +2,7 @@
 #include "kernel/values/heap_guards_internal.h"
 
 #include "kernel/run/errors.h"
-#include "kernel/values/asan.h"
+#include "kernel/values/heap_look.h"
 
 #include <algorithm>
 #include <array>
@@ -31,29 +31,12 @@ char* tailOf(Offset block, std::int32_t size) {
     return tarn_heap_base + block + size;
 }
 
-// Reads what stands at an offset, be it a block or not: links that were overwritten lead anywhere in the
-// range.
-#ifdef TARN_ASAN
-template <class Value>
-__attribute__((no_sanitize_address)) Value look(Offset at) {
-    Value copy;
-    const volatile char* from = tarn_heap_base + at;
-    for (std::size_t i = 0; i < sizeof copy; ++i) reinterpret_cast<char*>(&copy)[i] = from[i];
-    return copy;
-}
-#else
-template <class Value>
-Value look(Offset at) {
-    Value value;
-    std::memcpy(&value, tarn_heap_base + at, sizeof value);
-    return value;
-}
-#endif
+// Links that were overwritten lead anywhere in the range.
 Head headAt(Offset block) {
-    return look<Head>(block - GuardHeadBytes);
+    return LookAt<Head>(block - GuardHeadBytes);
 }
 bool tailHolds(Offset block, std::int32_t size) {
-    return look<Guard>(block + static_cast<Offset>(size)) == edgeGuard;
+    return LookAt<Guard>(block + static_cast<Offset>(size)) == edgeGuard;
 }
 
 // Can a guarded block start here? Guards against links and pointers that were overwritten.

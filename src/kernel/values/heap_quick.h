@@ -28,6 +28,9 @@ constexpr bool FitsInItsBlock(std::int32_t a, std::int32_t b) {
 // No memory checking, and no request that a test makes fail: false from FailAllocation(n) to FailAllocation(-1).
 [[gnu::visibility("hidden")]] extern bool HeapIsPlain;
 
+// The end of the used range, behind which no block reaches. At most 4 GiB.
+[[gnu::visibility("hidden")]] extern std::uint64_t HeapTop;
+
 // Such a block now has another size. Only the address sanitizer hears of it, which knows each byte that may be touched.
 inline void NoteNewSize([[maybe_unused]] Offset block, [[maybe_unused]] std::int32_t oldSize,
                         [[maybe_unused]] std::int32_t newSize) {

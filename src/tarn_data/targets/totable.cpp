@@ -273,7 +273,7 @@ bool fillSet(std::string_view cell, void* field) {
 bool fillCharacters(std::string_view cell, void* field) {
     const auto* const array = static_cast<const ArrayDescriptor*>(field);
     const auto room = static_cast<std::size_t>(array->size);
-    std::memset(At(array->data), cell.empty() ? 0 : ' ', room);
+    std::memset(At(array->data), ' ', room);
     std::memcpy(At(array->data), cell.data(), std::min(room, cell.size()));
     return cell.size() <= room;
 }

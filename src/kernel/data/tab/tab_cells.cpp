@@ -108,6 +108,13 @@ char* recordData(const char* at) {
     return At(ReadAt<RecordDescriptor>(at).data);
 }
 
+// As much as the array has room for, and the blanks that fill up all fields of fixed width.
+void putCharacters(std::string_view characters, const ArrayDescriptor& array) {
+    const auto room = static_cast<std::size_t>(array.size);
+    std::memset(At(array.data), ' ', room);
+    characters.copy(At(array.data), room);
+}
+
 void clearField(const TabField& field, char* at) {
     switch (field.kind) {
     case KindRecord:
@@ -116,11 +123,7 @@ void clearField(const TabField& field, char* at) {
         return;
     case KindString: return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
     case KindSet: return SetClear(reinterpret_cast<SetDescriptor*>(at));
-    case KindArray: {
-        const auto array = ReadAt<ArrayDescriptor>(at);
-        std::memset(At(array.data), 0, static_cast<std::size_t>(array.size));
-        return;
-    }
+    case KindArray: return putCharacters({}, ReadAt<ArrayDescriptor>(at));
     default: std::memset(at, 0, static_cast<std::size_t>(KindSize[field.kind]));
     }
 }
@@ -168,14 +171,10 @@ private:
         check();
     }
 
-    // An empty cell is zero, a shorter text is filled up with blanks.
     void readCharacters(const ArrayDescriptor& array) {
         const std::string_view characters = cells_.text(scratch_);
-        const auto room = static_cast<std::size_t>(array.size);
-        const std::size_t count = std::min(room, characters.size());
-        std::memset(At(array.data), characters.empty() ? 0 : ' ', room);
-        std::memcpy(At(array.data), characters.data(), count);
-        if (count < characters.size()) code_ = ERR_STRING_CONVERSION;
+        putCharacters(characters, array);
+        if (static_cast<std::size_t>(array.size) < characters.size()) code_ = ERR_STRING_CONVERSION;
     }
 
     void readNumber(const TabField& field, char* at) {

@@ -232,6 +232,22 @@ TEST_F(Mirrors, AWordThatNamesNothingNamesNoMirrors) {
     for (Offset& block : blocks) Free(block, size);
 }
 
+TEST_F(Mirrors, AWordThatLeadsIntoWhatWasFreedNamesNoMirrors) {
+    make(oneInteger);
+    fill(20);
+    constexpr std::int32_t size = 4096, step = 16;
+    Offset block = 0, behind = 0;
+    Allocate(block, size);
+    Allocate(behind, size);
+    const Offset word = block + step;
+    Free(block, size);
+    header().typeInfo.reserved = static_cast<std::int32_t>(word);
+    EXPECT_FALSE(IsMirrored(header(), 0));
+    find("EQ", 0, {integer(7)});
+    header().typeInfo.reserved = 0;
+    Free(behind, size);
+}
+
 // ---- against the twin ----
 
 class MirrorModels : public Mirrors, public ::testing::WithParamInterface<int> {

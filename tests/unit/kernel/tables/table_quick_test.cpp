@@ -153,6 +153,32 @@ TEST_F(QuickTables, AWalkComesToEveryRowAndEnds) {
     EXPECT_EQ(takeError(), 0);
 }
 
+// It looks some rows ahead, and finds others there when it turns, when it begins elsewhere and when rows come and go.
+TEST_F(QuickTables, AWalkMayTurnAnywhere) {
+    constexpr int rows = 60;
+    fill(rows);
+    std::mt19937 random(7);
+    int at = rows / 2;
+    for (int turn = 0; turn < 2000 && !HasFailure(); ++turn) {
+        const bool upwards = random() % 2 != 0;
+        for (auto steps = random() % 20; steps > 0; --steps) {
+            const int next = upwards ? at + 1 : at - 1;
+            bool found = false;
+            TableFind(upwards ? "NEXT" : "PREVIOUS", big.get(), 1, key(at * 3).get(), out.get(), found);
+            ASSERT_EQ(found, next >= 1 && next <= rows) << at;
+            ASSERT_EQ(valueFound(), found ? next : 0);
+            if (!found) break;
+            at = next;
+        }
+        if (turn % 3 == 0) at = static_cast<int>(1 + random() % rows);
+        if (turn % 5 != 0) continue;
+        const int other = static_cast<int>(1 + random() % rows);
+        TableDelete(big.get(), 1, key(other * 3).get());
+        add(other * 3, other);
+    }
+    EXPECT_EQ(takeError(), 0);
+}
+
 // Whatever is wrong with the arguments is told as it is of a table that has no short way.
 TEST_F(QuickTables, WrongArgumentsAreToldAsEver) {
     fill(500);
