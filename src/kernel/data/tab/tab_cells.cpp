@@ -108,13 +108,6 @@ char* recordData(const char* at) {
     return At(ReadAt<RecordDescriptor>(at).data);
 }
 
-// As much as the array has room for, and the blanks that fill up all fields of fixed width.
-void putCharacters(std::string_view characters, const ArrayDescriptor& array) {
-    const auto room = static_cast<std::size_t>(array.size);
-    std::memset(At(array.data), ' ', room);
-    characters.copy(At(array.data), room);
-}
-
 void clearField(const TabField& field, char* at) {
     switch (field.kind) {
     case KindRecord:
@@ -123,7 +116,11 @@ void clearField(const TabField& field, char* at) {
         return;
     case KindString: return StringAssignView(reinterpret_cast<StringDescriptor*>(at), {});
     case KindSet: return SetClear(reinterpret_cast<SetDescriptor*>(at));
-    case KindArray: return putCharacters({}, ReadAt<ArrayDescriptor>(at));
+    case KindArray: {
+        const auto array = ReadAt<ArrayDescriptor>(at);
+        std::memset(At(array.data), 0, static_cast<std::size_t>(array.size));
+        return;
+    }
     default: std::memset(at, 0, static_cast<std::size_t>(KindSize[field.kind]));
     }
 }
@@ -171,10 +168,14 @@ private:
         check();
     }
 
+    // An empty cell is zero, a shorter text is filled up with blanks.
     void readCharacters(const ArrayDescriptor& array) {
         const std::string_view characters = cells_.text(scratch_);
-        putCharacters(characters, array);
-        if (static_cast<std::size_t>(array.size) < characters.size()) code_ = ERR_STRING_CONVERSION;
+        const auto room = static_cast<std::size_t>(array.size);
+        const std::size_t count = std::min(room, characters.size());
+        std::memset(At(array.data), characters.empty() ? 0 : ' ', room);
+        std::memcpy(At(array.data), characters.data(), count);
+        if (count < characters.size()) code_ = ERR_STRING_CONVERSION;
     }
 
     void readNumber(const TabField& field, char* at) {

@@ -110,7 +110,7 @@ protected:
             } else if (kind == KindArray) {
                 std::string characters = Shown(a, kind).substr(1, 6);
                 characters = kept(characters, separator);
-                characters.resize(6, ' ');
+                characters.resize(6, characters.empty() ? '\0' : ' ');
                 ASSERT_EQ(Shown(b, kind), "'" + characters + "'");
             } else {
                 ASSERT_EQ(Shown(b, kind), Shown(a, kind));

@@ -626,22 +626,6 @@ TEST_F(XbaseFiles, AFileIsWrittenByteByByte) {
               "\x1A"s);
 }
 
-TEST_F(XbaseFiles, BlankFieldsComeBackFromDelimitedText) {
-    const std::string lines = "delete_flag : Tchar\nNAME : Tchars[1:5]\nDAY : Tdate[1:8]\n",
-                      declaration = "x : list\n\tr : record\n" + indented(lines) + "\tend record\nend list\n";
-    const std::string bytes =
-        FileBytes({{"NAME", 'C', 5}, {"DAY", 'D', 8}}, {" Ann  20240229", "*" + std::string(13, ' ')});
-    files_.put("/d/a.dbf", bytes);
-    for (const DataFormat format : {FormatComma, FormatTab}) {
-        const DataOptions options = DefaultDataOptions(format);
-        Typed list(declaration), back(declaration);
-        ASSERT_EQ(load(list), "{32|'Ann  '|'20240229'}{42|'     '|'        '}#2");
-        ASSERT_EQ(SaveValue("/d/f", format, options, 0, list.get(), KindList).code, 0);
-        ASSERT_EQ(LoadValue("/d/f", format, options, back.get(), KindList, message).code, 0);
-        EXPECT_EQ(saved(back, lines), bytes);
-    }
-}
-
 // ---- memory ----
 
 TEST_F(XbaseFiles, ALackOfMemoryLeavesTheTarget) {
