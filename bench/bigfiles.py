@@ -44,9 +44,9 @@ LINES_TYPE = 't : table\n\tr : record\n\t\tline : string[40]\n\tend record\nend 
 PAGE = '''<!-- SPDX-License-Identifier: Apache-2.0 -->
 # Large files
 
-What tarn-data takes for files of a gigabyte, from each form to each other: rows of eight columns (*table*) or lines of text
-(*lines*), and at the end the memory of the process at its highest. What came back as csv was compared byte by byte.
-`./dev bigfiles` measures anew and writes this page; a share of it with 20 MB is among the tests.
+What tarn-data takes for files of a gigabyte, from each form to each other: rows of eight columns (*table*) or lines of
+text (*lines*), and at the end the memory of the process at its highest. What came back as csv was compared byte by
+byte. `./dev bigfiles` measures anew and writes this page; a share of it with 20 MB is among the tests.
 
 | from, to | MB | s | MB/s | MB of memory |
 |---|---|---|---|---|

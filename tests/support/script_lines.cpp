@@ -34,7 +34,7 @@ char unescape(char c) {
 }
 
 // Splits a line into its words; false when a quote stays open.
-bool splitWords(const std::string& line, std::vector<std::string>& words) {
+bool splitWords(const std::string& line, ScriptWords& words) {
     std::size_t at = 0;
     while (true) {
         while (at < line.size() && (line[at] == ' ' || line[at] == '\t')) at++;
@@ -57,7 +57,7 @@ void substitute(std::string& text, const std::string& mark, const std::string& v
 }
 
 // Of "REAL or MEANING" keeps the one that this mode does.
-void chooseAlternative(std::vector<std::string>& words, bool realInput) {
+void chooseAlternative(ScriptWords& words, bool realInput) {
     const auto middle = std::find(words.begin(), words.end(), "or");
     if (middle == words.end()) return;
     if (realInput)
@@ -67,11 +67,11 @@ void chooseAlternative(std::vector<std::string>& words, bool realInput) {
 }
 
 // What other programs than this one show.
-bool isOfOthers(const std::vector<std::string>& words) {
+bool isOfOthers(const ScriptWords& words) {
     return words[0] == "front" || (words[0] == "expect" && (words[1] == "front" || words[1] == "clipboard"));
 }
 
-std::string lineFault(const std::vector<std::string>& words) {
+std::string lineFault(const ScriptWords& words) {
     const auto form = forms.find(words[0]);
     if (form == forms.end()) return "there is no '" + words[0] + "'";
     if (words.size() <= form->second.least) return "'" + words[0] + "' lacks a word";

@@ -9,9 +9,11 @@
 
 namespace tarn {
 
+using ScriptWords = std::vector<std::string>;  // the first tells what the line does
+
 struct ScriptLine {
     int number = 0;
-    std::vector<std::string> words;
+    ScriptWords words;
 };
 
 struct Script {

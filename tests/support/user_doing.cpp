@@ -64,70 +64,97 @@ Selection lineOf(const std::string& text, int number) {
     return {static_cast<int>(at) + 1, static_cast<int>(end - at)};
 }
 
+int number(const std::string& text) {
+    return std::atoi(text.c_str());
+}
+
 std::int64_t seconds(const std::string& text) {
     return std::atoll(text.c_str() + (text[0] == '+' ? 1 : 0));
 }
 
+const Object CodeWindow("SDIEdit");
+
+void putCaret(int line) {
+    SetSelection(CodeWindow, lineOf(GetText(CodeWindow).value, line).start, 0);
+}
+
+// A window, when the line has that many words; with more, a control in it.
+Object targetOf(const ScriptWords& words, std::size_t ofWindow) {
+    return words.size() == ofWindow ? Object(words[1]) : FindControl(Object(words[1]), words[2]);
+}
+
 }  // namespace
 
+// What each line does. The others only wait, or are done by the time they can be.
+const std::map<std::string, UserDriver::Deed>& UserDriver::deeds() {
+    using User = UserDriver;
+    static const std::map<std::string, Deed> all = {
+        {"activate", &User::activate},
+        {"answer", &User::answer},
+        {"choose-file", &User::answer},
+        {"click",
+         [](User& user, const ScriptWords& w) { user.hands_.click(FindControl(Object(w[1]), w[2])); }},
+        {"clock", [](User&, const ScriptWords& w) { os::clock().sleep(seconds(w[1]) * 1'000'000'000); }},
+        {"close", [](User&, const ScriptWords& w) { userClose(*findWindow(Object(w[1]))); }},
+        {"command", [](User&, const ScriptWords& w) { userCommand(*commanded(w)); }},
+        {"dblclick", [](User&, const ScriptWords& w) { doubleClick(targetOf(w, 3), number(w.back())); }},
+        {"design", [](User& user, const ScriptWords& w) { user.hands_.design(w[1], w[2]); }},
+        {"drag", &User::point},
+        {"dump", [](User&, const ScriptWords& w) { std::printf("%s", dumpWindow(Object(w[1])).c_str()); }},
+        {"edit", [](User& user, const ScriptWords& w) { user.edit(w[1], w[2]); }},
+        {"input", &User::answer},
+        {"key", &User::key},
+        {"margin",
+         [](User&, const ScriptWords& w) { userMarginClick(*findControl(CodeWindow), number(w[1])); }},
+        {"maximise", [](User& user, const ScriptWords& w) { user.hands_.maximise(Object(w[1])); }},
+        {"mouse", &User::mouse},
+        {"pick", &User::answer},
+        {"point", &User::point},
+        {"press",
+         [](User&, const ScriptWords& w) { userCommand(*findControl(FindControl(Object(w[1]), w[2]))); }},
+        {"run", &User::run},
+        {"screenshot", [](User& user, const ScriptWords& w) { user.hands_.screenshot(w[1]); }},
+        {"select", [](User&, const ScriptWords& w) { putCaret(number(w[1])); }},
+        {"set", [](User& user, const ScriptWords& w) { user.set(FindControl(Object(w[1]), w[2]), w[3]); }},
+        {"sheet", [](User& user, const ScriptWords& w) { user.sheet(w[1], user.dir_ + w[2]); }},
+        {"start", &User::startSecond},
+        {"strike", &User::strike},
+        {"tick", [](User&, const ScriptWords& w) { timerFired(*findControl(targetOf(w, 2))); }},
+        {"type", [](User& user, const ScriptWords& w) { user.hands_.type(w[1]); }},
+    };
+    return all;
+}
+
 void UserDriver::act(const ScriptLine& line) {
-    const auto& w = line.words;
-    const std::string& what = w[0];
-    if (what == "command")
-        userCommand(*commanded(w));
-    else if (what == "press")
-        userCommand(*findControl(FindControl(Object(w[1]), w[2])));
-    else if (what == "set")
-        set(FindControl(Object(w[1]), w[2]), w[3]);
-    else if (what == "edit")
-        edit(w[1], w[2]);
-    else if (what == "select")
-        SetSelection(Object("SDIEdit"),
-                     lineOf(GetText(Object("SDIEdit")).value, std::atoi(w[1].c_str())).start, 0);
-    else if (what == "dblclick")
-        doubleClick(w.size() == 3 ? Object(w[1]) : FindControl(Object(w[1]), w[2]),
-                    std::atoi(w.back().c_str()));
-    else if (what == "margin")
-        userMarginClick(*findControl(Object("SDIEdit")), std::atoi(w[1].c_str()));
-    else if (what == "close")
-        userClose(*findWindow(Object(w[1])));
-    else if (isAnswer(what)) {
-        if (!view().answer(w[1])) at_--, fail("The open question takes no such answer.");
-    } else if (what == "strike")
-        strike(w);
-    else if (what == "sheet")
-        sheet(w[1], dir_ + w[2]);
-    else if (what == "design")
-        hands_.design(w[1], w[2]);
-    else if (what == "point" || what == "drag")
-        point(w);
-    else if (what == "start")
-        startSecond(line);
-    else if (what == "tick")
-        timerFired(*findControl(w.size() == 2 ? Object(w[1]) : FindControl(Object(w[1]), w[2])));
-    else if (what == "activate" && view().asking() == nullptr)
-        userReturn(*findWindow(Object(w[1])));
-    else if (what == "clock")
-        os::clock().sleep(seconds(w[1]) * 1'000'000'000);
-    else if (what == "key" && !hands_.key(w[1]))
-        at_--, fail("There is no such key.");
-    else if (what == "type")
-        hands_.type(w[1]);
-    else if (what == "mouse")
-        hands_.mouse(Object(w[1]), std::atoi(w[2].c_str()), std::atoi(w[3].c_str()), std::atoi(w[4].c_str()));
-    else if (what == "click")
-        hands_.click(FindControl(Object(w[1]), w[2]));
-    else if (what == "maximise")
-        hands_.maximise(Object(w[1]));
-    else if (what == "screenshot")
-        hands_.screenshot(w[1]);
-    else if (what == "dump")
-        std::printf("%s", dumpWindow(Object(w[1])).c_str());
-    else if (what == "run") {
-        std::string command = "cd '" + dir_ + "' &&";
-        for (std::size_t i = 1; i < w.size(); i++) command += " " + w[i];
-        if (std::system(command.c_str()) != 0) at_--, fail("The command failed.");
-    }
+    const auto deed = deeds().find(line.words[0]);
+    if (deed != deeds().end()) deed->second(*this, line.words);
+}
+
+void UserDriver::refuse(const std::string& why) {
+    at_--;
+    fail(why);
+}
+
+void UserDriver::activate(const ScriptWords& words) {
+    if (view().asking() == nullptr) userReturn(*findWindow(Object(words[1])));
+}
+
+void UserDriver::answer(const ScriptWords& words) {
+    if (!view().answer(words[1])) refuse("The open question takes no such answer.");
+}
+
+void UserDriver::key(const ScriptWords& words) {
+    if (!hands_.key(words[1])) refuse("There is no such key.");
+}
+
+void UserDriver::mouse(const ScriptWords& words) {
+    hands_.mouse(Object(words[1]), number(words[2]), number(words[3]), number(words[4]));
+}
+
+void UserDriver::run(const ScriptWords& words) {
+    std::string command = "cd '" + dir_ + "' &&";
+    for (std::size_t i = 1; i < words.size(); i++) command += " " + words[i];
+    if (std::system(command.c_str()) != 0) refuse("The command failed.");
 }
 
 bool isList(const Control& control) {
@@ -138,89 +165,69 @@ void UserDriver::set(const Object& object, const std::string& value) {
     Control& control = *findControl(object);
     const bool numbered = control.type == Type::Checkbox || control.type == Type::Radiobutton ||
                           control.type == Type::Scrollbar;
-    if (numbered) return userValue(control, std::atoi(value.c_str()));
-    if (isList(control)) return userRow(control, std::atoi(value.c_str()));
-    if (control.text == nullptr) {
-        at_--;
-        return fail("Nothing can be set there.");
-    }
+    if (numbered) return userValue(control, number(value));
+    if (isList(control)) return userRow(control, number(value));
+    if (control.text == nullptr) return refuse("Nothing can be set there.");
     control.text->setText(value);
     userChange(control);
 }
 
 void UserDriver::edit(const std::string& from, const std::string& to) {
-    const Object window("SDIEdit");
-    const std::size_t at = GetText(window).value.find(from);
-    if (at == std::string::npos) {
-        at_--;
-        return fail("The Code window does not hold that text.");
-    }
-    SetSelection(window, static_cast<int>(at) + 1, static_cast<int>(from.size()));
-    SetSelText(window, to);
+    const std::size_t at = GetText(CodeWindow).value.find(from);
+    if (at == std::string::npos) return refuse("The Code window does not hold that text.");
+    SetSelection(CodeWindow, static_cast<int>(at) + 1, static_cast<int>(from.size()));
+    SetSelText(CodeWindow, to);
 }
 
 // On a line of an edit window, or on a row of a list: of that one, or of the first in a window.
-void UserDriver::doubleClick(const Object& object, int number) {
+void UserDriver::doubleClick(const Object& object, int place) {
     Control* list = findControl(object);
     if (object.isWindow())
         for (const auto& control : findWindow(object)->controls)
             if (isList(*control) && (list == nullptr || !isList(*list))) list = control.get();
     Control& target = *list;
     if (isList(target)) {
-        userRow(target, number);
+        userRow(target, place);
     } else {
-        const Selection line = lineOf(GetText(object).value, number);
+        const Selection line = lineOf(GetText(object).value, place);
         SetSelection(object, line.start, line.length);
     }
     userDoubleClick(target, 0, 0);
 }
 
-bool UserDriver::canStrike(const std::vector<std::string>& words) {
-    const Window* window = findWindow(Object(words[1]));
-    lastSeen_ = "There is no such window.";
-    return window != nullptr && window->shown &&
-           (words[2] == "-" || findControl(FindControl(Object(words[1]), words[2])) != nullptr);
-}
-
-void UserDriver::strike(const std::vector<std::string>& words) {
+void UserDriver::strike(const ScriptWords& words) {
     const int code = struckKey(words[3]);
-    if (code == 0) {
-        at_--;
-        return fail("There is no such key.");
-    }
+    if (code == 0) return refuse("There is no such key.");
     const Object window(words[1]);
     Control* const focus = words[2] == "-" ? nullptr : findControl(FindControl(window, words[2]));
     userKey(*findWindow(window), focus, code);
 }
 
-void UserDriver::point(const std::vector<std::string>& words) {
+void UserDriver::point(const ScriptWords& words) {
     const bool corner = words.size() > 4 && words[4] == "corner";
     const bool done = words[0] == "point" ? hands_.point(words[1], words.size() > 2 ? words[2] : "")
-                                          : hands_.drag(words[1], corner, std::atoi(words[2].c_str()),
-                                                        std::atoi(words[3].c_str()));
-    if (!done) at_--, fail("The dialog has no such object.");
+                                          : hands_.drag(words[1], corner, number(words[2]), number(words[3]));
+    if (!done) refuse("The dialog has no such object.");
 }
 
 void UserDriver::sheet(const std::string& title, const std::string& file) {
     std::string rows, outcome;
     os::readFile(file, rows);
-    if (!showSheet(title, rows, outcome)) {
-        at_--;
-        return fail("A row of the sheet is not of the form name|options|value.");
-    }
+    if (!showSheet(title, rows, outcome))
+        return refuse("A row of the sheet is not of the form name|options|value.");
     if (!os::saveFile(file + ".out", outcome, os::Durability::Unsynced).ok())
         fail("What the sheet gave could not be written.");
 }
 
 // The second copy is this program again, in the model mode and with nobody to answer it. It works in the
 // case's folder, wherever this one has gone.
-void UserDriver::startSecond(const ScriptLine& line) {
+void UserDriver::startSecond(const ScriptWords& words) {
     std::string command = "cd '" + dir_ + "' && TARNWICK_SECOND='" + profile_ + "' TARNWICK_SECOND_LOG='" +
-                          dir_ + line.words[1] + ".log' ";
+                          dir_ + words[1] + ".log' ";
     command += "'/proc/" + std::to_string(getpid()) + "/exe' second";
-    for (std::size_t i = 2; i < line.words.size(); i++) command += " '" + line.words[i] + "'";
+    for (std::size_t i = 2; i < words.size(); i++) command += " '" + words[i] + "'";
     command += " >/dev/null 2>&1 &";
-    if (std::system(command.c_str()) != 0) at_--, fail("The second copy could not be started.");
+    if (std::system(command.c_str()) != 0) refuse("The second copy could not be started.");
 }
 
 }  // namespace tarn

@@ -40,8 +40,7 @@ const std::map<std::string, std::string (*)(const Control&)> properties = {
 
 }  // namespace
 
-bool UserDriver::expectControl(const ScriptLine& line) {
-    const auto& w = line.words;
+bool UserDriver::expectControl(const ScriptWords& w) {
     const bool ofWindow = w.size() == 4;
     const Object object = ofWindow        ? Object(w[2])
                           : w.size() == 6 ? itemOf(w[3], w[4])
@@ -68,8 +67,7 @@ std::string matching(const std::string& name) {
 
 }  // namespace
 
-bool UserDriver::expectFile(const ScriptLine& line) {
-    const auto& w = line.words;
+bool UserDriver::expectFile(const ScriptWords& w) {
     std::string bytes;
     const bool exists = os::readFile(matching(w[2]), bytes) == os::FileError::None;
     lastSeen_ = exists ? "Seen: " + bytes.substr(0, 2000) : "There is no such file.";
@@ -96,8 +94,7 @@ bool holds(const Rect& outer, const Rect& inner) {
 }  // namespace
 
 // What a user sees: frames on the screen and texts as they are drawn.
-bool UserDriver::expectSeen(const ScriptLine& line) {
-    const auto& w = line.words;
+bool UserDriver::expectSeen(const ScriptWords& w) {
     if (w[1] == "on-screen" || w[1] == "below") {
         const Rect frame = w[2] == "box"    ? hands_.boxFrame()
                            : w[2] == "stop" ? hands_.stopFrame()
@@ -122,8 +119,7 @@ bool UserDriver::expectSeen(const ScriptLine& line) {
     return item != nullptr ? text == w[3] : w[1] == "help" ? text == w[2] : text.starts_with(w[2]);
 }
 
-bool UserDriver::expect(const ScriptLine& line) {
-    const auto& w = line.words;
+bool UserDriver::expect(const ScriptWords& w) {
     const std::string& what = w[1];
     if (what == "ini") {
         std::string text;
@@ -132,7 +128,7 @@ bool UserDriver::expect(const ScriptLine& line) {
         lastSeen_ = "Seen: " + std::string(value);
         return value == w[4];
     }
-    if (what == "file" || what == "no-file" || what == "file-has") return expectFile(line);
+    if (what == "file" || what == "no-file" || what == "file-has") return expectFile(w);
     if (ended_) return false;
     if (what == "message") {
         const Question* question = view().asking();
@@ -156,8 +152,8 @@ bool UserDriver::expect(const ScriptLine& line) {
         lastSeen_ = "Line " + std::to_string(here);
         return std::to_string(here) == w[2];
     }
-    if (seenThings.count(what) != 0) return expectSeen(line);
-    if (properties.count(what) != 0) return expectControl(line);
+    if (seenThings.count(what) != 0) return expectSeen(w);
+    if (properties.count(what) != 0) return expectControl(w);
     fail("There is no such expectation.");
     return false;
 }

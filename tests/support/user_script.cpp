@@ -78,13 +78,13 @@ void UserDriver::idle() {
 
 void UserDriver::programEnded() {
     ended_ = true;
-    for (; !failed() && !finished() && !restarts(); at_++) {
+    while (!failed() && !finished() && !restarts()) {
         const ScriptLine& line = script_.lines[at_];
-        if (line.words[0] == "run")
-            act(line);
-        else if (line.words[0] != "expect" || !expect(line))
-            fail("The program had ended. " + lastSeen_);
-        if (failed()) return;
+        const bool runs = line.words[0] == "run";
+        if (!runs && (line.words[0] != "expect" || !expect(line.words)))
+            return fail("The program had ended. " + lastSeen_);
+        at_++;
+        if (runs) act(line);
     }
 }
 
@@ -92,6 +92,18 @@ namespace {
 
 const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
                                          "dblclick", "close", "select", "strike", "point", "drag", "margin"};
+// What may be done while a question is open without an answer to it: what it asks may have been answered already.
+const std::set<std::string> besideAQuestion = {"expect", "screenshot", "key", "run", "activate", "front"};
+
+bool isShown(const Object& object) {
+    const Window* const window = findWindow(object);
+    return window != nullptr && window->shown;
+}
+
+bool enabledIn(const ScriptWords& words) {
+    const Control* const control = findControl(FindControl(Object(words[1]), words[2]));
+    return isShown(Object(words[1])) && control != nullptr && control->enabled;
+}
 
 }  // namespace
 
@@ -100,54 +112,79 @@ Object UserDriver::itemOf(const std::string& name, const std::string& place) {
     return place.empty() ? item : ControlElement(item, std::atoi(place.c_str()));
 }
 
-Control* UserDriver::commanded(const std::vector<std::string>& words) {
+Control* UserDriver::commanded(const ScriptWords& words) {
     return findControl(itemOf(words[1], words.size() > 2 ? words[2] : ""));
 }
 
+bool UserDriver::canCommand(const ScriptWords& words) {
+    const Control* const item = commanded(words);
+    lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";
+    return item != nullptr && item->enabled && isShown(Object("Main"));
+}
+
+bool UserDriver::canStrike(const ScriptWords& words) {
+    lastSeen_ = "There is no such window.";
+    return isShown(Object(words[1])) &&
+           (words[2] == "-" || findControl(FindControl(Object(words[1]), words[2])) != nullptr);
+}
+
+// What is not here waits for Main.
+const std::map<std::string, UserDriver::Condition>& UserDriver::conditions() {
+    using User = UserDriver;
+    const auto windowShown = [](User&, const ScriptWords& w) { return isShown(Object(w[1])); };
+    const auto windowLoaded = [](User&, const ScriptWords& w) { return findWindow(Object(w[1])) != nullptr; };
+    const auto controlEnabled = [](User&, const ScriptWords& w) { return enabledIn(w); };
+    const auto codeShown = [](User&, const ScriptWords&) { return isShown(Object("SDIEdit")); };
+    const auto designShown = [](User&, const ScriptWords&) { return isShown(Object("DialogDlg")); };
+    static const std::map<std::string, Condition> all = {
+        {"activate", windowShown},
+        {"click", controlEnabled},
+        {"close", windowShown},
+        {"command", &User::canCommand},
+        {"dblclick", windowShown},
+        {"drag", designShown},
+        {"edit", codeShown},
+        {"expect", &User::expect},
+        {"front", [](User& user, const ScriptWords& w) { return user.hands_.bringForward(w[1]); }},
+        {"margin", codeShown},
+        {"maximise", windowShown},
+        {"mouse", windowShown},
+        {"point", designShown},
+        {"press", controlEnabled},
+        {"restart", [](User&, const ScriptWords&) { return false; }},  // the program still runs
+        {"select", codeShown},
+        {"set", controlEnabled},
+        {"stop-tool", [](User& user, const ScriptWords&) { return user.hands_.stopTool(); }},
+        {"strike", &User::canStrike},
+        {"tick", windowLoaded},
+        {"wait", windowShown},
+    };
+    return all;
+}
+
+bool UserDriver::possible(const ScriptWords& words) {
+    const auto condition = conditions().find(words[0]);
+    return condition != conditions().end() ? condition->second(*this, words) : isShown(Object("Main"));
+}
+
+// Whether the user would do it now, whatever is there to do it with.
+bool UserDriver::rested(const std::string& what) const {
+    const auto waited = std::chrono::steady_clock::now() - since_;
+    const bool real = needsRealInput(what) || what == "point" || what == "drag";
+    return !hands_.holdsButton() && !(real && waited < std::chrono::milliseconds(hands_.patience())) &&
+           !(busy() && needsRest.count(what) != 0);
+}
+
 UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
-    const auto& w = line.words;
+    const std::string& what = line.words[0];
     const bool open = view().asking() != nullptr;
-    const bool answers = isAnswer(w[0]);
-    const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
-                       w[0] == "activate" || w[0] == "front";  // what is asked then may be open already
-    if (open && !answers && !looks) {
+    if (isAnswer(what)) return open ? Outcome::Done : Outcome::NotYet;
+    if (open && besideAQuestion.count(what) == 0) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
     }
-    if (answers) return open ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "expect") return expect(line) ? Outcome::Done : Outcome::NotYet;
-    const auto waited = std::chrono::steady_clock::now() - since_;
-    if (hands_.holdsButton()) return Outcome::NotYet;
-    const bool pointing = w[0] == "point" || w[0] == "drag";
-    if ((needsRealInput(w[0]) || pointing) && waited < std::chrono::milliseconds(hands_.patience()))
-        return Outcome::NotYet;
-    const auto shown = [](const Object& object) {
-        const Window* window = findWindow(object);
-        return window != nullptr && window->shown;
-    };
-    if (busy() && needsRest.count(w[0]) != 0) return Outcome::NotYet;
-    if (w[0] == "command") {
-        const Control* item = commanded(w);
-        lastSeen_ = item == nullptr ? "There is no such control." : "It is disabled.";
-        return item != nullptr && item->enabled && shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
-    }
-    if (w[0] == "press" || w[0] == "set" || w[0] == "click") {
-        const Control* control = findControl(FindControl(Object(w[1]), w[2]));
-        return shown(Object(w[1])) && control != nullptr && control->enabled ? Outcome::Done
-                                                                             : Outcome::NotYet;
-    }
-    if (w[0] == "front") return hands_.bringForward(w[1]) ? Outcome::Done : Outcome::NotYet;
-    if (pointing) return shown(Object("DialogDlg")) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "tick") return findWindow(Object(w[1])) != nullptr ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "activate" || w[0] == "dblclick" || w[0] == "close" || w[0] == "maximise" || w[0] == "wait" ||
-        w[0] == "mouse")
-        return shown(Object(w[1])) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "edit" || w[0] == "select" || w[0] == "margin")
-        return shown(Object("SDIEdit")) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "stop-tool") return hands_.stopTool() ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "strike") return canStrike(w) ? Outcome::Done : Outcome::NotYet;
-    if (w[0] == "restart") return Outcome::NotYet;  // the program still runs
-    return shown(Object("Main")) ? Outcome::Done : Outcome::NotYet;
+    if (what != "expect" && !rested(what)) return Outcome::NotYet;
+    return possible(line.words) ? Outcome::Done : Outcome::NotYet;
 }
 
 bool Hands::design(const std::string&, const std::string&) {

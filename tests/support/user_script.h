@@ -65,6 +65,8 @@
 #include "support/script_lines.h"
 
 #include <chrono>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -117,6 +119,8 @@ public:
 
 private:
     enum class Outcome { Done, NotYet, Failed };
+    using Deed = std::function<void(UserDriver&, const ScriptWords&)>;
+    using Condition = std::function<bool(UserDriver&, const ScriptWords&)>;
     Script script_;
     std::string dir_, profile_;
     Hands& hands_;
@@ -125,25 +129,41 @@ private:
     bool ended_ = false;
     std::chrono::steady_clock::time_point since_;
 
-    void fail(const std::string& why);
+    void fail(const std::string& why);    // the line that comes next
+    void refuse(const std::string& why);  // the line that is being done
     Outcome ready(const ScriptLine& line);
+    bool possible(const ScriptWords& words);
+    [[nodiscard]] bool rested(const std::string& what) const;
     void act(const ScriptLine& line);
-    bool expect(const ScriptLine& line);
-    bool expectControl(const ScriptLine& line);
-    bool expectFile(const ScriptLine& line);
-    bool expectSeen(const ScriptLine& line);
-    void set(const platform::Object& object, const std::string& value);
+    // By the first word of a line: what must be so before it is done, and what it does.
+    static const std::map<std::string, Condition>& conditions();
+    static const std::map<std::string, Deed>& deeds();
+
+    bool expect(const ScriptWords& w);
+    bool expectControl(const ScriptWords& w);
+    bool expectFile(const ScriptWords& w);
+    bool expectSeen(const ScriptWords& w);
+
+    bool canCommand(const ScriptWords& words);
+    bool canStrike(const ScriptWords& words);
+
+    void activate(const ScriptWords& words);
+    void answer(const ScriptWords& words);
     void edit(const std::string& from, const std::string& to);
-    void doubleClick(const platform::Object& object, int line);
-    void startSecond(const ScriptLine& line);
-    bool canStrike(const std::vector<std::string>& words);
-    void strike(const std::vector<std::string>& words);
-    void point(const std::vector<std::string>& words);
+    void key(const ScriptWords& words);
+    void mouse(const ScriptWords& words);
+    void point(const ScriptWords& words);
+    void run(const ScriptWords& words);
+    void set(const platform::Object& object, const std::string& value);
     void sheet(const std::string& title, const std::string& file);
+    void startSecond(const ScriptWords& words);
+    void strike(const ScriptWords& words);
+    static void doubleClick(const platform::Object& object, int place);
+
     [[nodiscard]] std::string onScreen() const;
     // The item of Main that a line names: a control, or that element of its array.
     static platform::Object itemOf(const std::string& name, const std::string& place);
-    static platform::Control* commanded(const std::vector<std::string>& words);
+    static platform::Control* commanded(const ScriptWords& words);
 };
 
 std::string dumpWindow(const platform::Object& window);

@@ -2,16 +2,10 @@
 //
 // What a screen reader gets from the edit window: the text in any encoding, caret, selection, characters, words
 // and lines, what a key changes, and all of it quickly at the end of a long text.
-#include "platform/qt/controls/editarea.h"
-#include "support/places.h"
-
-#include <gtest/gtest.h>
+#include "ui/edit_fixture.h"
 
 #include <QAccessible>
-#include <QApplication>
 #include <QElapsedTimer>
-#include <QKeyEvent>
-#include <QWidget>
 
 #include <dlfcn.h>
 
@@ -73,21 +67,10 @@ void setScreenReader(bool here) {
         setActive(accessibility(*integration), here);
 }
 
-class AccessibleTest : public ::testing::Test, public EditEvents {
+class AccessibleTest : public EditAreaTest {
 protected:
     void SetUp() override {
-        static void* library = dlopen(BINARY_DIR "/libtarnwick-edit.so", RTLD_NOW | RTLD_GLOBAL);
-        ASSERT_NE(library, nullptr) << dlerror();
-        const auto make = reinterpret_cast<MakeEditArea>(dlsym(library, "tarn_make_edit_area"));
-        window.resize(600, 400);
-        area = make(&window, *this);
-        area->widget()->setGeometry(window.rect());
-        store = area->store();
-        area->setFlags(0);
-        window.show();
-        window.activateWindow();
-        area->textWidget()->setFocus();
-        QApplication::processEvents();
+        ASSERT_NO_FATAL_FAILURE(EditAreaTest::SetUp());
         before = QAccessible::installUpdateHandler(hear);
         face = QAccessible::queryAccessibleInterface(area->textWidget());
         ASSERT_NE(face, nullptr);
@@ -100,15 +83,8 @@ protected:
         QAccessible::installUpdateHandler(before);
         setScreenReader(false);
     }
-    void changed() override {}
-    void doubleClicked(QPoint) override {}
-    void infoAsked(QPoint) override {}
-
     void type(const QString& letters) {
-        for (const QChar c : letters) {
-            QKeyEvent down(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-            QApplication::sendEvent(area->textWidget(), &down);
-        }
+        sendText(area->textWidget(), letters);
         QApplication::processEvents();
         area->textWidget()->grab();  // the control tells of the caret when it paints
     }
@@ -121,9 +97,6 @@ protected:
         return found.toStdString();
     }
 
-    QWidget window;
-    EditArea* area = nullptr;
-    std::unique_ptr<TextStore> store;
     QAccessibleInterface* face = nullptr;
     QAccessibleTextInterface* text = nullptr;
     QAccessible::UpdateHandler before = nullptr;
@@ -285,8 +258,7 @@ TEST_F(AccessibleTest, TypingAtTheEndOfALargeTextIsQuickWithAScreenReader) {
     told = 0;
     for (int i = 0; i < 50; ++i) {
         clock.restart();
-        QKeyEvent down(QEvent::KeyPress, 0, Qt::NoModifier, QStringLiteral("x"));
-        QApplication::sendEvent(area->textWidget(), &down);
+        sendText(area->textWidget(), QStringLiteral("x"));
         QApplication::processEvents();
         const int caret = text->cursorPosition();
         EXPECT_EQ(text->text(caret - 1, caret), QStringLiteral("x"));

@@ -4,15 +4,10 @@
 #pragma once
 
 #include "os/clock.h"
-#include "os/files.h"
 #include "platform/model/debugger/debugwindow.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -40,7 +35,8 @@
 namespace tarn::platform {
 
 inline const Object Form("Form"), Press("Form", 101), Text("Form", 102), Ask("Ask");
-inline constexpr char Pictures[] = "stop\nrun\nfeet1\nfeet2\nstop2\n\ncode3\nspecs\npapers2\ncode2\ninfo\nquest2";
+inline constexpr char Pictures[] =
+    "stop\nrun\nfeet1\nfeet2\nstop2\n\ncode3\nspecs\npapers2\ncode2\ninfo\nquest2";
 
 inline std::vector<int> heard;
 inline std::function<void(int event, int control)> inProgram;
@@ -54,9 +50,8 @@ inline long count(int event) {
     return std::count(heard.begin(), heard.end(), event);
 }
 
-class DebuggerTest : public ::testing::Test {
+class DebuggerTest : public WindowTest {
 protected:
-    TempFolder folder;
     DebugWindow* window = nullptr;
     std::vector<std::string> done;
     std::function<void(const DebugEvent&)> act;
@@ -68,12 +63,9 @@ protected:
                                  "    POSITION=4 4 60 14\n    CAPTION=\"Press\"\n  Edit text 102\n"
                                  "    POSITION=4 24 60 12\nEND\nAsk DIALOG\n  CAPTION=\"Modal\"\n"
                                  "  POSITION=0 0 80 40\n  Pushbutton ok 101\n    POSITION=4 4 60 14\nEND\n";
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", text, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
-        for (const Object& one : {Form, Ask}) RegisterWindow(one, hear);
-        ASSERT_EQ(Load(Form), Ok);
-        Show(Form, false);
+        ASSERT_EQ(useResources(folder, text), "");
+        ASSERT_TRUE(open({Form}, platform::hear));
+        hear(Ask, platform::hear);
         QTest::qWait(50);
         start({0, 0, 0, 0});
         heard.clear();
@@ -81,9 +73,7 @@ protected:
     void TearDown() override {
         inProgram = {};
         EndDebug(debugWindow());
-        DestroyAllWindows();
-        DoEvents();
-        SetApplicationResources("");
+        WindowTest::TearDown();
         SetUserBreak(0);
         QToolTip::hideText();
     }
@@ -115,11 +105,7 @@ protected:
         QTimer::singleShot(20, [&] { next(0); });
         ActivateDebug(*window);
     }
-    static QWidget* top() {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (widget->objectName() == u"IntegratedDebugger" && widget->isVisible()) return widget;
-        return nullptr;
-    }
+    static QWidget* top() { return shownWindow("IntegratedDebugger"); }
     static QListView* list() { return top()->findChild<QListView*>(QStringLiteral("201")); }
     static QPlainTextEdit* status() { return top()->findChild<QPlainTextEdit*>(QStringLiteral("302")); }
     static QToolButton* button(const QString& name) { return top()->findChild<QToolButton*>(name); }

@@ -4,8 +4,8 @@
 #include "ide/designer/check/dlgcheck.h"
 #include "library/designer/proputil.h"
 #include "library/system/system.h"
-#include "platform/windowing.h"
 #include "support/places.h"
+#include "ui/window_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -17,13 +17,12 @@ namespace {
 // Any dialog that is loaded.
 const Object Measure("exclusiveboxdlg");
 
-class DialogCheckTest : public ::testing::Test {
+class DialogCheckTest : public platform::WindowTest {
 protected:
     void SetUp() override {
         platform::SetApplicationResources(BINARY_DIR "/ide.rcx");
         ASSERT_EQ(platform::Load(Measure), platform::Ok);
     }
-    void TearDown() override { platform::DestroyAllWindows(); }
 
     static std::vector<DialogFinding> find(const std::string& controls) {
         ObjectArray dialog, menu;

@@ -2,6 +2,7 @@
 //
 // Rectangles that are dragged with the mouse.
 #include "ui/drawing_fixture.h"
+#include "ui/typing.h"
 
 #include "os/files.h"
 #include "platform/model/view.h"
@@ -11,7 +12,6 @@
 
 #include <QApplication>
 #include <QFrame>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QRubberBand>
@@ -201,10 +201,7 @@ TEST_F(TrackTest, ThePressTellsWhichKeysAreHeldDown) {
 }
 
 TEST_F(TrackTest, EscapeAndAWindowThatGoesEndTheDrag) {
-    drag({40, 35}, {moveTo(60, 60), [] {
-                        QKeyEvent key(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-                        QApplication::sendEvent(client(), &key);
-                    }});
+    drag({40, 35}, {moveTo(60, 60), [] { sendKey(client(), Qt::Key_Escape); }});
     EXPECT_EQ(result, (Rect{20, 20, 40, 30}));
     TearDownMouse();
     drag({40, 35}, {moveTo(60, 60), [] { static_cast<void>(Hide(Draw)); }});

@@ -123,9 +123,7 @@ TEST_F(DrawTest, AnEditWindowKeepsItsOwnMenu) {
     ASSERT_EQ(Load(Code), Ok);
     Show(Code, false);
     settle();
-    QWidget* text = nullptr;
-    for (QWidget* widget : top(Code)->findChildren<QWidget*>())
-        if (widget->inherits("QsciScintillaBase")) text = widget;
+    QWidget* const text = shownEditor("Code");
     ASSERT_NE(text, nullptr);
     auto* area = static_cast<QAbstractScrollArea*>(text)->viewport();
     QTest::mouseClick(area, Qt::LeftButton, {}, {9, 9});

@@ -3,15 +3,9 @@
 // A window to draw on, with some controls, whose function notes where the mouse was.
 #pragma once
 
-#include "os/files.h"
 #include "platform/model/view.h"
 #include "platform/operations/dragging.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-#include "ui/shownwindow.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QApplication>
 #include <QImage>
@@ -63,7 +57,7 @@ Code EDITWINDOW
 END
 )";
 
-class DrawTest : public ::testing::Test {
+class DrawTest : public WindowTest {
 protected:
     struct Heard {
         int event, control, x, y;
@@ -86,22 +80,18 @@ protected:
     }
 
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", DrawResources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
-        for (const Object& window : {Draw, Code}) RegisterWindow(window, listen);
-        ASSERT_EQ(Load(Draw), Ok);
-        Show(Draw, false);
+        ASSERT_EQ(useResources(folder, DrawResources), "");
+        ASSERT_TRUE(open({Draw}, listen));
+        hear(Code, listen);
         settle();
     }
     void TearDown() override {
         answer = nullptr;
         SetCaption(Sysprinter, "");
-        DestroyAllWindows();
-        settle();
+        WindowTest::TearDown();
     }
     static void settle() {
-        for (int i = 0; i < 3; ++i) DoEvents();
+        WindowTest::settle();
         heard.clear();
     }
     static Object in(int number) { return Object("Draw", number); }
@@ -126,8 +116,6 @@ protected:
         SetForeColour(Draw, fore);
         SetBackColour(Draw, back);
     }
-
-    TempFolder folder;
 };
 
 }  // namespace tarn::platform

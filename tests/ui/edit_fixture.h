@@ -5,11 +5,11 @@
 
 #include "platform/qt/controls/editarea.h"
 #include "support/places.h"
+#include "ui/typing.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QWidget>
 
 #include <dlfcn.h>
@@ -20,10 +20,9 @@
 
 namespace tarn::platform::qt {
 
-class EditTest : public ::testing::Test, public EditEvents {
+// The area in a window of its own that is shown and has the keys. What the area tells, nobody hears.
+class EditAreaTest : public ::testing::Test, public EditEvents {
 protected:
-    static constexpr int AllLooks = LOOK_LINE | LOOK_BRACKETS | LOOK_FOLDS | LOOK_CHANGES;
-
     void SetUp() override {
         static void* library = dlopen(BINARY_DIR "/libtarnwick-edit.so", RTLD_NOW | RTLD_GLOBAL);
         ASSERT_NE(library, nullptr) << dlerror();
@@ -33,12 +32,26 @@ protected:
         area = make(&window, *this);
         area->widget()->setGeometry(window.rect());
         store = area->store();
-        area->setFlags(0);
+        prepare();
         window.show();
         window.activateWindow();
         area->textWidget()->setFocus();
         QApplication::processEvents();
     }
+    virtual void prepare() { area->setFlags(0); }  // ahead of its being shown
+    void changed() override {}
+    void doubleClicked(QPoint) override {}
+    void infoAsked(QPoint) override {}
+
+    QWidget window;
+    EditArea* area = nullptr;
+    std::unique_ptr<TextStore> store;
+};
+
+// What it tells is counted.
+class EditTest : public EditAreaTest {
+protected:
+    static constexpr int AllLooks = LOOK_LINE | LOOK_BRACKETS | LOOK_FOLDS | LOOK_CHANGES;
 
     void changed() override { ++changes; }
     void doubleClicked(QPoint) override { ++doubles; }
@@ -51,17 +64,9 @@ protected:
 
     // A key with the text that it makes.
     void press(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QKeyEvent down(QEvent::KeyPress, code, modifiers, text);
-        QApplication::sendEvent(area->textWidget(), &down);
+        sendKey(area->textWidget(), code, modifiers, text);
     }
-    void type(const QString& text) {
-        for (const QChar c : text) {
-            if (c == u'\n')
-                press(Qt::Key_Return, QStringLiteral("\r"));
-            else
-                press(0, QString(c));
-        }
-    }
+    void type(const QString& text) { sendText(area->textWidget(), text); }
     void caret(int position) { store->select(position, 0); }
 
     // A message of the control itself, for looking at what has no other way out.
@@ -85,9 +90,6 @@ protected:
         return places;
     }
 
-    QWidget window;
-    EditArea* area = nullptr;
-    std::unique_ptr<TextStore> store;
     int changes = 0, doubles = 0, infos = 0, zoom = 0, clicked = 0;
     bool follows = false;
 };

@@ -2,19 +2,18 @@
 //
 // The clipboard of another program, on a real X server. Without arguments this is the test, which starts itself as that
 // program: `foreign_clipboard own BYTES` keeps a text of so many bytes on the clipboard until it is ended.
-#include "os/files.h"
 #include "os/process.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
+#include "ui/shownwindow.h"
+#include "ui/typing.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
-#include <QKeyEvent>
 #include <QMimeData>
-#include <QWidget>
 
 #include <csignal>
 #include <cstdio>
@@ -40,10 +39,7 @@ const Object Code("Code");
 
 void loadWindow() {
     const TempFolder folder;
-    expect(os::saveFile(folder / "a.rc", Resources, os::Durability::Unsynced).ok() &&
-               platform::CompileResources({folder / "a.rc"}, folder / "a.rcx").empty(),
-           "there are resources");
-    platform::SetApplicationResources(folder / "a.rcx");
+    expect(useResources(folder, Resources).empty(), "there are resources");
     expect(platform::Load(Code) == platform::Ok, "there is a window");
     platform::Show(Code, false);
     platform::DoEvents();
@@ -53,11 +49,7 @@ void loadWindow() {
 std::string paste(qint64& milliseconds) {
     QElapsedTimer clock;
     clock.start();
-    for (QWidget* widget : QApplication::allWidgets()) {
-        if (!widget->inherits("QsciScintillaBase")) continue;
-        QKeyEvent down(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier);
-        QApplication::sendEvent(widget, &down);
-    }
+    sendKey(shownEditor("Code"), Qt::Key_V, Qt::ControlModifier);
     milliseconds = clock.elapsed();
     std::string text = platform::GetText(Code).value;
     std::printf("      %zu bytes in %lld ms\n", text.size(), static_cast<long long>(milliseconds));

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Icon lists with columns as grids of real widgets.
-#include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -38,19 +33,13 @@ END
 
 const Object Form("Form"), List("Form", 301);
 
-class GridTest : public ::testing::Test {
+class GridTest : public WindowTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "x.rc", Resources).ok());
-        ASSERT_EQ(Load(Form, folder / "x.rc", "Form"), "");
-        Show(Form, false);
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* found = window->findChild<QTreeView*>("lstrows"); found != nullptr) grid = found;
+        ASSERT_EQ(loadText(Form, Resources), "");
+        Show(Form, false);  // without its focus, which is to come when there are rows
+        grid = shownWidget<QTreeView>("Form", "lstrows");
         ASSERT_NE(grid, nullptr);
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
     }
     QString cell(int row, int column) const {
         return grid->model()->data(grid->model()->index(row, column)).toString();
@@ -62,7 +51,6 @@ protected:
         const QVariant side = grid->model()->data(grid->model()->index(0, column), Qt::TextAlignmentRole);
         return (side.toInt() & Qt::AlignRight) != 0;
     }
-    TempFolder folder;
     QTreeView* grid = nullptr;
 };
 

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A field that holds the name of the keys pressed in it, menu items whose keys change, and hints that do.
-#include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -53,28 +48,19 @@ bool listen(const Object&, int event, const Object& control, int parameter) {
     return false;
 }
 
-class KeyField : public ::testing::Test {
+class KeyField : public WindowTest {
 protected:
-    const TempFolder folder;
     const Object window{"Field"}, field{"Field", 301}, next{"Field", 302}, item{"Field", 101};
     void SetUp() override {
-        RegisterWindow(window, listen);
-        ASSERT_TRUE(os::saveFile(folder / "f.rc", Resources).ok());
-        ASSERT_EQ(Load(window, folder / "f.rc", "Field"), "");
+        hear(window, listen);
+        ASSERT_EQ(loadText(window, Resources), "");
         SetFlags(field, KEYFIELD);
         Show(window, false);
-        QApplication::processEvents();
+        settle();
         changes = commands = last = 0;
         line().setFocus();
     }
-    void TearDown() override { DestroyAllWindows(); }
-    QLineEdit& line(const char* name = "edtkeys") {
-        for (QWidget* top : QApplication::topLevelWidgets()) {
-            auto* found = top->findChild<QLineEdit*>(QString::fromLatin1(name));
-            if (top->isVisible() && found != nullptr) return *found;  // one that is gone may not be freed yet
-        }
-        throw std::logic_error("there is no such line");
-    }
+    static QLineEdit& line(const char* name = "edtkeys") { return *shownWidget<QLineEdit>("Field", name); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(&line(), key, modifiers);
     }

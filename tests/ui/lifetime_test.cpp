@@ -2,15 +2,9 @@
 //
 // What happens to windows at awkward moments: events after they were unloaded, modality that comes late,
 // sizes while they are hidden, timers that were stopped.
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-#include "ui/shownwindow.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -73,21 +67,12 @@ bool tick(const Object&, int event, const Object&, int) {
     return true;
 }
 
-class LifetimeTest : public ::testing::Test {
+class LifetimeTest : public WindowTest {
 protected:
-    tarn::TempFolder folder;
-
     void SetUp() override {
-        const std::string rc = folder.path() + "/a.rc", rcx = folder.path() + "/a.rcx";
-        ASSERT_TRUE(os::saveFile(rc, Resources).ok());
-        ASSERT_EQ(CompileResources({rc}, rcx), "");
-        SetApplicationResources(rcx);
-        for (const Object& window : {Main, Form}) RegisterWindow(window, ignore);
+        ASSERT_EQ(useResources(folder, Resources), "");
+        for (const Object& window : {Main, Form}) hear(window, ignore);
         ticks = nested = deepest = 0;
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
     }
     static void open(const Object& window) {
         ASSERT_EQ(Load(window), Ok);

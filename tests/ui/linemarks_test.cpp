@@ -2,47 +2,30 @@
 //
 // Marks of lines in the edit window's own control.
 #include "platform/operations/linemarks.h"
-#include "platform/qt/controls/editarea.h"
-#include "support/places.h"
-
-#include <gtest/gtest.h>
+#include "ui/edit_fixture.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QImage>
 #include <QTest>
-#include <QWidget>
 
-#include <dlfcn.h>
-
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace tarn::platform::qt {
 namespace {
 
-class LineMarksOnScreen : public ::testing::Test, public EditEvents {
+class LineMarksOnScreen : public EditAreaTest {
 protected:
     void SetUp() override {
-        static void* library = dlopen(BINARY_DIR "/libtarnwick-edit.so", RTLD_NOW | RTLD_GLOBAL);
-        ASSERT_NE(library, nullptr) << dlerror();
-        const auto make = reinterpret_cast<MakeEditArea>(dlsym(library, "tarn_make_edit_area"));
-        window.resize(600, 400);
-        area = make(&window, *this);
-        area->widget()->setGeometry(window.rect());
-        store = area->store();
-        area->setFlags(NUMBERBAR);
-        area->setMarkMargin(true);
-        window.show();
-        window.activateWindow();
-        area->textWidget()->setFocus();
+        ASSERT_NO_FATAL_FAILURE(EditAreaTest::SetUp());
         store->setText("one\ntwo\nthree\nfour\nfive\n");
         QApplication::processEvents();
     }
-    void changed() override {}
-    void doubleClicked(QPoint) override {}
-    void infoAsked(QPoint) override {}
+    void prepare() override {
+        area->setFlags(NUMBERBAR);
+        area->setMarkMargin(true);
+    }
     void marginClicked(int line) override { clicks.push_back(line); }
 
     void mark(const std::vector<int>& lines, int kinds = LINEMARK_BREAKPOINT) {
@@ -71,9 +54,6 @@ protected:
         QApplication::processEvents();
     }
 
-    QWidget window;
-    EditArea* area = nullptr;
-    std::unique_ptr<TextStore> store;
     std::vector<int> clicks;
 };
 

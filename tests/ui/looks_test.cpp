@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Borders, scroll bars and sides of controls as their resource file has them.
-#include "os/files.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
@@ -31,12 +26,8 @@ using namespace std::string_literals;
 
 const Object Looks("Looks");
 
-class LooksTest : public ::testing::Test {
+class LooksTest : public WindowTest {
 protected:
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
-    }
     // Shows a window with one control `one` of 80 by 40 units.
     template <class Widget = QWidget>
     Widget* show(const std::string& type, const std::string& properties) {
@@ -44,20 +35,12 @@ protected:
         DoEvents();
         const std::string text = "Looks DIALOG\n  POSITION=0 0 100 60\n  " + type +
                                  " one 101\n    POSITION=10 10 80 40\n    " + properties + "\nEND\n";
-        EXPECT_TRUE(os::saveFile(folder_ / "a.rc", text, os::Durability::Unsynced).ok());
-        EXPECT_EQ(Load(Looks, folder_ / "a.rc", "Looks"), "");
-        Show(Looks, false);
-        for (int i = 0; i < 3; ++i) DoEvents();
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* one = widget->findChild<Widget*>("one"); one != nullptr && !widget->isHidden())
-                return one;
-        return nullptr;
+        EXPECT_EQ(openText(Looks, text), "");
+        return shownWidget<Widget>("Looks", "one");
     }
     static QImage seen(QWidget& widget) {
         return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
-
-    TempFolder folder_;
 };
 
 std::string rowsThatNeedBothBars() {

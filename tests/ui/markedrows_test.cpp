@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Rows of an icon list with bold parts: what is drawn, what assistive programs get, and how wide the rows are.
-#include "os/files.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-#include "ui/shownwindow.h"
+#include "ui/window_fixture.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -13,35 +9,20 @@
 #include <QScrollBar>
 #include <QWidget>
 
-#include <gtest/gtest.h>
-
 namespace tarn::platform {
 namespace {
 
 const Object Form("Form"), List("Form", 101);
 
-class MarkedRowsTest : public ::testing::Test {
+class MarkedRowsTest : public WindowTest {
 protected:
     void SetUp() override {
-        const std::string rc = folder / "test.rc", rcx = folder / "test.rcx";
-        ASSERT_TRUE(
-            os::saveFile(rc,
-                         "Form DIALOG\n  CAPTION=\"Form\"\n  POSITION=0 0 120 100\n  ICONLIST rows 101\n"
-                         "    POSITION=4 4 110 90\n    SCROLLBARS=3\nEND\n",
-                         os::Durability::Unsynced)
-                .ok());
-        ASSERT_EQ(CompileResources({rc}, rcx), "");
-        SetApplicationResources(rcx);
-        RegisterWindow(Form, [](const Object&, int, const Object&, int) { return false; });
-        ASSERT_EQ(Load(Form), Ok);
-        Show(Form, false);
-        DoEvents();
+        ASSERT_EQ(openText(Form,
+                           "Form DIALOG\n  CAPTION=\"Form\"\n  POSITION=0 0 120 100\n  ICONLIST rows 101\n"
+                           "    POSITION=4 4 110 90\n    SCROLLBARS=3\nEND\n"),
+                  "");
         view = shownWindow("Form")->findChild<QAbstractItemView*>();
         ASSERT_NE(view, nullptr);
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
     }
     // The picture of the first row with this text.
     QImage drawn(const std::string& text) {
@@ -50,7 +31,6 @@ protected:
         DoEvents();
         return view->viewport()->grab(view->visualRect(view->model()->index(0, 0))).toImage();
     }
-    TempFolder folder;
     QAbstractItemView* view = nullptr;
 };
 

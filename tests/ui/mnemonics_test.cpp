@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The letters of buttons, typed faster than a button can be seen to be pressed.
-#include "ui/debugger_fixture.h"
+#include "platform/model/model.h"
+#include "ui/window_fixture.h"
 
 #include <QAbstractItemView>
+#include <QTest>
 
 namespace tarn::platform {
 namespace {
@@ -18,19 +20,15 @@ bool hearFast(const Object& window, int event, const Object& control, int) {
     return event == CLOSE_EVENT && window == Fast;
 }
 
-class Mnemonics : public ::testing::Test {
+class Mnemonics : public WindowTest {
 protected:
     void SetUp() override {
         const std::string text = "Fast DIALOG\n  POSITION=0 0 160 120\n  BORDERSTYLE=2\n"
                                  "  Pushbutton one 101\n    POSITION=4 4 60 14\n    CAPTION=\"&One\"\n"
                                  "  Checkbox two 102\n    POSITION=4 24 60 12\n    CAPTION=\"&Two\"\n"
                                  "  Listbox rows 103\n    POSITION=4 40 60 60\nEND\n";
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", text, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
-        RegisterWindow(Fast, hearFast);
-        ASSERT_EQ(Load(Fast), Ok);
-        Show(Fast, false);
+        ASSERT_EQ(useResources(folder, text), "");
+        ASSERT_TRUE(open({Fast}, hearFast));
         for (const char* row : {"a", "b", "c", "d"}) static_cast<void>(AddItem(Object("Fast", 103), row));
         static_cast<void>(SetListIndex(Object("Fast", 103), 1));
         window()->activateWindow();
@@ -38,14 +36,8 @@ protected:
         QTest::qWait(50);
         pressed.clear();
     }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
-        SetApplicationResources("");
-    }
     static QWidget* window() { return static_cast<QWidget*>(findWindow(Fast)->widget); }
     static QAbstractItemView* list() { return window()->findChild<QAbstractItemView*>(); }
-    TempFolder folder;
 };
 
 TEST_F(Mnemonics, EachPressIsOneHoweverFastTheyCome) {

@@ -4,9 +4,8 @@
 // has a name that a screen reader can speak, and no letter leads to two places.
 #include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/windowing.h"
 #include "support/places.h"
-#include "ui/shownwindow.h"
+#include "ui/window_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -55,17 +54,13 @@ char mnemonicOf(const std::string& caption) {
     return 0;
 }
 
-class Names : public ::testing::TestWithParam<std::string> {
+class Names : public WindowTest, public ::testing::WithParamInterface<std::string> {
 protected:
     void SetUp() override {
         SetApplicationResources(BINARY_DIR "/ide.rcx");
         ASSERT_EQ(Load(window), Ok) << GetParam();
         Show(window, false);
-        for (int i = 0; i < 3; ++i) DoEvents();
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
+        settle();
     }
     static void add(std::map<char, std::string>& seen, const Control& control) {
         const char letter = mnemonicOf(control.caption);

@@ -8,7 +8,8 @@
 #include "platform/model/view.h"
 #include "platform/resources/resource.h"
 #include "support/places.h"
-#include "ui/shownwindow.h"
+#include "ui/typing.h"
+#include "ui/window_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -32,7 +33,7 @@
 namespace tarn {
 namespace {
 
-class SheetTest : public ::testing::Test {
+class SheetTest : public platform::WindowTest {
 protected:
     std::deque<std::function<void()>> doings;  // what the user does in turn, each when a window waits
 
@@ -50,8 +51,7 @@ protected:
         platform::view().setIdle({});
         EXPECT_TRUE(doings.empty());
         EXPECT_EQ(ErrorCell(), 0) << ErrorDetails();
-        platform::DestroyAllWindows();
-        DoEvents();
+        WindowTest::TearDown();
     }
 
     // A window that nobody closes fails the test and does not hang it.
@@ -74,8 +74,7 @@ protected:
     static void press(QWidget* to, int key, const QString& text = {}) {
         ASSERT_NE(to, nullptr);
         if (to->focusPolicy() != Qt::NoFocus) to->setFocus();
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
-        QApplication::sendEvent(to, &event);
+        sendKey(to, key, Qt::NoModifier, text);
     }
     // At what has the keyboard in the window.
     static void pressIn(const char* window, int key) {

@@ -24,4 +24,13 @@ Widget* shownWidget(const std::string& window, const char* name) {
     return frame != nullptr ? frame->findChild<Widget*>(QString::fromLatin1(name)) : nullptr;
 }
 
+// Where an edit window takes keys; null if none of that name is shown.
+inline QWidget* shownEditor(const std::string& window) {
+    QWidget* const frame = shownWindow(window);
+    if (frame == nullptr) return nullptr;
+    for (QWidget* widget : frame->findChildren<QWidget*>())
+        if (widget->inherits("QsciScintillaBase")) return widget;
+    return nullptr;
+}
+
 }  // namespace tarn

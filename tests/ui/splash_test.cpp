@@ -4,13 +4,9 @@
 // buttons.
 #include "library/dialogs/commdlgs.h"
 #include "os/files.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
 #include "support/bitmap.h"
 #include "support/places.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -29,17 +25,16 @@ namespace {
 
 constexpr QRgb text = qRgb(240, 170, 50), shadow = qRgb(60, 50, 10), sky = qRgb(0x20, 0x40, 0x60);
 
-class SplashWindow : public ::testing::Test {
+class SplashWindow : public platform::WindowTest {
 protected:
     void SetUp() override {
         const std::string rc = std::string(SOURCE_DIR) + "/src/ide/shell/startup.rc";
-        ASSERT_EQ(platform::CompileResources({rc}, folder_ / "a.rcx"), "");
-        SetApplicationResources(folder_ / "a.rcx");
+        ASSERT_EQ(platform::CompileResources({rc}, folder / "a.rcx"), "");
+        SetApplicationResources(folder / "a.rcx");
         ClearError();
     }
     void TearDown() override {
-        platform::DestroyAllWindows();
-        DoEvents();
+        WindowTest::TearDown();
         EXPECT_EQ(ErrorCell(), 0);
         ClearError();
     }
@@ -49,7 +44,7 @@ protected:
         return nullptr;
     }
     [[nodiscard]] std::string picture(unsigned colour) const {
-        const std::string file = folder_ / "logo.bmp";
+        const std::string file = folder / "logo.bmp";
         EXPECT_TRUE(os::saveFile(file, bitmap(400, 272, colour), os::Durability::Unsynced).ok());
         return file;
     }
@@ -76,8 +71,6 @@ protected:
         return count(seen(), text, 0, 272);
     }
     static void later(std::function<void()> act) { QTimer::singleShot(50, qApp, std::move(act)); }
-
-    TempFolder folder_;
 };
 
 TEST_F(SplashWindow, ShowsThePictureInItsOwnSizeWithMagentaTransparent) {
@@ -93,7 +86,7 @@ TEST_F(SplashWindow, ShowsThePictureInItsOwnSizeWithMagentaTransparent) {
 
 TEST_F(SplashWindow, HasAPlainGroundWithoutAPicture) {
     SPLASHDLG_LOAD("");
-    SPLASHDLG_DRAWBMP(folder_ / "none.bmp");
+    SPLASHDLG_DRAWBMP(folder / "none.bmp");
     const QImage image = seen();
     EXPECT_EQ(count(image, qRgb(29, 53, 87), 0, image.height()), image.width() * image.height());
 }

@@ -2,14 +2,9 @@
 //
 // Texts, rows and small windows under what users do to them: limits, line ends, long lists, stray clicks, and
 // what a screen reader is told.
-#include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-#include "ui/shownwindow.h"
-
-#include <gtest/gtest.h>
+#include "ui/typing.h"
+#include "ui/window_fixture.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
@@ -76,42 +71,22 @@ bool listen(const Object&, int event, const Object& control, int) {
 const Object Form("Form"), Code("Code");
 const Object Line("Form", 301), Lines("Form", 302), Combo("Form", 304), List("Form", 305), Check("Form", 306);
 
-class TextsTest : public ::testing::Test {
+class TextsTest : public WindowTest {
 protected:
     void SetUp() override {
-        const std::string rc = folder / "test.rc", rcx = folder / "test.rcx";
-        ASSERT_TRUE(os::saveFile(rc, Resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({rc}, rcx), "");
-        SetApplicationResources(rcx);
-        for (const Object& window : {Form, Code}) {
-            RegisterWindow(window, listen);
-            ASSERT_EQ(Load(window), Ok);
-            Show(window, false);
-        }
-        DoEvents();
+        ASSERT_EQ(useResources(folder, Resources), "");
+        ASSERT_TRUE(open({Form, Code}, listen));
         doubles = commands = 0;
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        DoEvents();
     }
     template <class Widget>
     static Widget* find(const char* name) {
         return shownWidget<Widget>("Form", name);
     }
     static void type(QWidget* to, const QString& text) {
-        for (const QChar c : text) {
-            QKeyEvent event(QEvent::KeyPress, c == u'\n' ? Qt::Key_Return : 0, Qt::NoModifier, QString(c));
-            QApplication::sendEvent(to, &event);
-        }
+        sendText(to, text);
         DoEvents();
     }
-    static QWidget* editor() {
-        for (QWidget* widget : QApplication::allWidgets())
-            if (widget->inherits("QsciScintillaBase") && widget->isVisible()) return widget;
-        return nullptr;
-    }
-    TempFolder folder;
+    static QWidget* editor() { return shownEditor("Code"); }
 };
 
 TEST_F(TextsTest, ALongLineStaysWholeWhenTheUserTypes) {

@@ -3,17 +3,11 @@
 // Windows made from resource text on real widgets, whose function notes what it hears.
 #pragma once
 
-#include "os/files.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-#include "ui/shownwindow.h"
-
-#include <gtest/gtest.h>
+#include "ui/typing.h"
+#include "ui/window_fixture.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 
 #include <algorithm>
 #include <string>
@@ -122,7 +116,7 @@ Form DIALOG
 END
 )";
 
-class ViewTest : public ::testing::Test {
+class ViewTest : public WindowTest {
 protected:
     struct Heard {
         std::string window;
@@ -153,24 +147,14 @@ protected:
     static Object in(const Object& window, int number) { return Object(window.window(), number); }
 
     void SetUp() override {
-        const std::string rc = folder / "test.rc", rcx = folder / "test.rcx";
-        ASSERT_TRUE(os::saveFile(rc, ViewResources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({rc}, rcx), "");
-        SetApplicationResources(rcx);
-        for (const Object& window : {Main, Code, Form}) {
-            RegisterWindow(window, listen);
-            ASSERT_EQ(Load(window), Ok);
-        }
+        ASSERT_EQ(useResources(folder, ViewResources), "");
+        ASSERT_TRUE(load({Main, Code, Form}, listen));
         handledKey() = 0;
-        settle();
-    }
-    void TearDown() override {
-        DestroyAllWindows();
         settle();
     }
 
     static void settle() {
-        for (int i = 0; i < 3; ++i) DoEvents();
+        WindowTest::settle();
         heard().clear();
     }
     static QWidget* top(const Object& window) { return shownWindow(window.window()); }
@@ -184,17 +168,10 @@ protected:
     }
     static void press(QWidget* to, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
                       const QString& text = {}) {
-        QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
-        QApplication::sendEvent(to, &event);
+        sendKey(to, key, modifiers, text);
         DoEvents();
     }
-    static QWidget* editor() {
-        for (QWidget* widget : top(Code)->findChildren<QWidget*>())
-            if (widget->inherits("QsciScintillaBase")) return widget;
-        return nullptr;
-    }
-
-    TempFolder folder;
+    static QWidget* editor() { return shownEditor(Code.window()); }
 };
 
 }  // namespace tarn::platform

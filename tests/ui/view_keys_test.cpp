@@ -137,8 +137,7 @@ TEST_F(ViewTest, KeysTypedAheadOfTheFocusReachTheWindowThatWasShown) {
     show(Main);
     ASSERT_EQ(Show(Code, false).code, Ok);  // the focus has not moved yet
     QWidget* before = top(Main)->focusWidget() != nullptr ? top(Main)->focusWidget() : top(Main);
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
-    QApplication::sendEvent(before, &event);
+    sendKey(before, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
     EXPECT_EQ(GetText(Code).value, "x");
     settle();
     show(Main);

@@ -2,14 +2,9 @@
 //
 // Drawings at a scale, on real widgets: what is drawn larger is sharp and stands where the arithmetic says, and the wheel
 // with Ctrl is a key of the window.
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/operations/drawscale.h"
-#include "platform/resources/resource.h"
-#include "platform/windowing.h"
-#include "support/tempfolder.h"
-
-#include <gtest/gtest.h>
+#include "ui/window_fixture.h"
 
 #include <QApplication>
 #include <QImage>
@@ -56,26 +51,15 @@ bool listen(const Object& window, int event, const Object&, int parameter) {
 
 const Object Draw("Draw");
 
-class ZoomTest : public ::testing::Test {
+class ZoomTest : public WindowTest {
 protected:
-    TempFolder folder;
-
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", Resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
-        RegisterWindow(Draw, listen);
-        ASSERT_EQ(Load(Draw), Ok);
-        Show(Draw, false);
+        ASSERT_EQ(useResources(folder, Resources), "");
+        ASSERT_TRUE(open({Draw}, listen));
         QTest::qWait(20);
         keys.clear();
         dragged.reset();
         presses = 0;
-    }
-    void TearDown() override {
-        DestroyAllWindows();
-        RegisterWindow(Draw, nullptr);
-        SetApplicationResources("");
     }
     static QWidget& client() {
         return *static_cast<QWidget*>(findWindow(Draw)->widget)->findChild<QLineEdit*>()->parentWidget();

@@ -2,11 +2,11 @@
 #include "toolchain/build/elf.h"
 
 #include "os/files.h"
+#include "os/programfile.h"
 
+#include <algorithm>
 #include <cstring>
-#include <elf.h>
-#include <string_view>
-#include <vector>
+#include <optional>
 
 namespace tarn::toolchain {
 namespace {
@@ -20,6 +20,15 @@ constexpr const char* OfTheCLibrary[] = {"__libc_start_main", "getrlimit", "memc
 template <typename Record>
 void append(std::string& bytes, const Record& record) {
     bytes.append(reinterpret_cast<const char*>(&record), sizeof record);
+}
+
+// What a file of that kind begins with; nothing for other bytes.
+std::optional<Elf64_Ehdr> headOf(std::string_view bytes) {
+    Elf64_Ehdr head;
+    if (bytes.size() < sizeof head || os::programFileOf(bytes) != os::ProgramFile::Elf) return {};
+    std::memcpy(&head, bytes.data(), sizeof head);
+    if (head.e_ident[EI_CLASS] != ELFCLASS64) return {};
+    return head;
 }
 
 // Reads parts of a file; a part that is not there as a whole is empty.
@@ -131,12 +140,6 @@ private:
     std::string texts_ = std::string(1, '\0');
 };
 
-bool isLibrary(const std::vector<Elf64_Ehdr>& head) {
-    return !head.empty() && std::memcmp(head[0].e_ident, ELFMAG, SELFMAG) == 0 &&
-           head[0].e_ident[EI_CLASS] == ELFCLASS64 && head[0].e_type == ET_DYN &&
-           head[0].e_shentsize == sizeof(Elf64_Shdr);
-}
-
 void addWanted(const Source& file, const Elf64_Shdr& symbols, const Elf64_Shdr& strings, Names& names) {
     const std::string texts = file.part(strings.sh_offset, strings.sh_size);
     for (const Elf64_Sym& symbol : file.records<Elf64_Sym>(symbols.sh_offset, symbols.sh_size)) {
@@ -150,9 +153,9 @@ void addWanted(const Source& file, const Elf64_Shdr& symbols, const Elf64_Shdr& 
 
 std::string namesOfLibrary(const std::string& library) {
     const Source file(library);
-    const auto head = file.records<Elf64_Ehdr>(0, sizeof(Elf64_Ehdr));
-    if (!isLibrary(head)) return {};
-    const auto sections = file.records<Elf64_Shdr>(head[0].e_shoff, head[0].e_shnum * sizeof(Elf64_Shdr));
+    const auto head = headOf(file.part(0, sizeof(Elf64_Ehdr)));
+    if (!head || head->e_type != ET_DYN || head->e_shentsize != sizeof(Elf64_Shdr)) return {};
+    const auto sections = file.records<Elf64_Shdr>(head->e_shoff, head->e_shnum * sizeof(Elf64_Shdr));
     Names names;
     for (const Elf64_Shdr& section : sections)
         if (section.sh_type == SHT_DYNSYM && section.sh_link < sections.size())
@@ -161,25 +164,30 @@ std::string namesOfLibrary(const std::string& library) {
     return names.bytes();
 }
 
+std::vector<Elf64_Phdr> programParts(std::string_view bytes) {
+    const auto head = headOf(bytes);
+    if (!head || head->e_phoff > bytes.size()) return {};
+    const std::size_t whole = (bytes.size() - head->e_phoff) / sizeof(Elf64_Phdr);
+    std::vector<Elf64_Phdr> parts(std::min<std::size_t>(head->e_phnum, whole));
+    if (!parts.empty())
+        std::memcpy(parts.data(), bytes.data() + head->e_phoff, parts.size() * sizeof parts[0]);
+    return parts;
+}
+
 bool forbidStackCode(std::string& program) {
-    Elf64_Ehdr head;
-    if (program.size() < sizeof head) return false;
-    std::memcpy(&head, program.data(), sizeof head);
-    if (head.e_type != ET_EXEC) return false;
-    for (unsigned i = 0; i < head.e_phnum; ++i) {
-        const std::size_t at = head.e_phoff + i * sizeof(Elf64_Phdr);
-        Elf64_Phdr part;
-        if (at + sizeof part > program.size()) return false;
-        std::memcpy(&part, program.data() + at, sizeof part);
-        if (part.p_type != PT_PHDR) continue;
-        part = {};
-        part.p_type = PT_GNU_STACK;
-        part.p_flags = PF_R | PF_W;
-        part.p_align = 16;
-        std::memcpy(program.data() + at, &part, sizeof part);
-        return true;
-    }
-    return false;
+    const auto head = headOf(program);
+    if (!head || head->e_type != ET_EXEC) return false;
+    const std::vector<Elf64_Phdr> parts = programParts(program);
+    const auto place =
+        std::find_if(parts.begin(), parts.end(), [](const auto& part) { return part.p_type == PT_PHDR; });
+    if (place == parts.end()) return false;
+    Elf64_Phdr stack{};
+    stack.p_type = PT_GNU_STACK;
+    stack.p_flags = PF_R | PF_W;
+    stack.p_align = 16;
+    const auto at = head->e_phoff + static_cast<std::size_t>(place - parts.begin()) * sizeof stack;
+    std::memcpy(program.data() + at, &stack, sizeof stack);
+    return true;
 }
 
 }  // namespace tarn::toolchain

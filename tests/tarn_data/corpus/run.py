@@ -120,9 +120,9 @@ def told_lines(outcome):
 def table(results):
     kinds = collections.Counter(outcome.kind for row in results.values() for outcome in row.values())
     lines = ['<!-- SPDX-License-Identifier: Apache-2.0 -->', '# Files of other programs', '',
-             'Data files that Debian packages bring, converted by tarn-data to each form and back, and compared cell by cell with what',
-             "python's csv, xml.etree and dbf modules read. `./dev corpus` writes this page. *noted*: a cell differs, and a note told of it;",
-             '*refused*: a message told why there is no such file.', '',
+             'Data files that Debian packages bring, converted by tarn-data to each form and back, and compared cell by cell',
+             "with what python's csv, xml.etree and dbf modules read. `./dev corpus` writes this page. *noted*: a cell",
+             'differs, and a note told of it; *refused*: a message told why there is no such file.', '',
              f'{len(results)} files, {sum(kinds.values())} conversions there and back: '
              + ', '.join(f'{count} {kind}' for kind, count in sorted(kinds.items())) + '.', '',
              '| file | ' + ' | '.join(FORMS) + ' |', '|---' * (len(FORMS) + 1) + '|']

@@ -169,6 +169,12 @@ class Xml : public Runtime {
 protected:
     static constexpr const char* file = "/data/file.xml";
 
+    static std::string repeated(std::string_view text, int count) {
+        std::string all;
+        for (int i = 0; i < count; ++i) all += text;
+        return all;
+    }
+
     void SetUp() override {
         Runtime::SetUp();
         disk.putFolder("/data");

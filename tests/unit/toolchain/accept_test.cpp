@@ -2,10 +2,8 @@
 //
 // What the compiler refuses, and where it says so. Each case is a class; `expected` lists the messages as
 // "line number".
-#include "support/toolchain_folder.h"
-#include "toolchain/language/checker.h"
-#include "toolchain/language/classes.h"
 #include "toolchain/output/generator.h"
+#include "unit/toolchain/checked_fixture.h"
 
 #include <string>
 
@@ -18,34 +16,17 @@ struct Case {
     std::string expected;
 };
 
-std::string inMain(const std::string& statements) {
-    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" +
-           statements + "\nend function\nEnd class\n";
-}
-
 std::string repeated(const std::string& text, int count) {
     std::string result;
     for (int i = 0; i < count; ++i) result += text;
     return result;
 }
 
-class Acceptance : public ToolchainTest {
+class Acceptance : public CheckedClass {
 protected:
     std::string check(const std::string& source) {
-        const std::string file = write("Main.cls", source);
-        Messages messages;
-        ClassLoader loader({});
-        ClassTree* tree = loader.load(file, messages);
-        if (!tree->name.empty()) checkClass(*tree, messages);
-        if (messages.empty()) generateC(*tree, {2, 2});
-        std::string found;
-        for (const Message& message : messages.list())
-            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " +
-                     std::to_string(message.number);
-        report = messages.report(file);
-        return found;
+        return placesOf(messagesOf(source, [](const ClassTree& tree) { generateC(tree, {2, 2}); }));
     }
-    std::string report;
 };
 
 TEST_F(Acceptance, EachErrorIsToldWithItsLineAndNumber) {

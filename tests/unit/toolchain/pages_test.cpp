@@ -4,9 +4,7 @@
 // the wrong example of a page gives its number and no other, the right one none; lists of messages and of words
 // that stand in documents are those of the compiler.
 #include "kernel/text/words.h"
-#include "support/toolchain_folder.h"
-#include "toolchain/language/checker.h"
-#include "toolchain/language/classes.h"
+#include "unit/toolchain/checked_fixture.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -50,18 +48,12 @@ std::vector<std::string> between(const std::string& text, const std::string& ope
     return found;
 }
 
-class MessagePages : public ToolchainTest {
+class MessagePages : public CheckedClass {
 protected:
     // The numbers that an example gives.
     std::string check(const std::string& source) {
-        const std::string file = write("Main.cls", source);
-        Messages messages;
-        ClassLoader loader({});
-        ClassTree* tree = loader.load(file, messages);
-        if (!tree->name.empty()) checkClass(*tree, messages);
         std::string found;
-        for (const Message& message : messages.list()) found += std::to_string(message.number) + " ";
-        report = messages.report(file);
+        for (const Message& message : messagesOf(source)) found += std::to_string(message.number) + " ";
         return found;
     }
     // The other files that the examples of a page need.
@@ -71,7 +63,6 @@ protected:
             write(part.substr(0, name), plain(part.substr(name + 2)) + "\n");
         }
     }
-    std::string report;
 };
 
 TEST_F(MessagePages, EachNumberHasAPageAndEachPageANumber) {

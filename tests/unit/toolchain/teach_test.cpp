@@ -2,9 +2,7 @@
 //
 // What newcomers bring from other languages: each habit gives one message, on its line, that names what is written
 // here; and what only looks like such a habit stays free.
-#include "support/toolchain_folder.h"
-#include "toolchain/language/checker.h"
-#include "toolchain/language/classes.h"
+#include "unit/toolchain/checked_fixture.h"
 
 #include <algorithm>
 #include <string>
@@ -13,34 +11,18 @@
 namespace tarn::toolchain {
 namespace {
 
-std::string inMain(const std::string& statements) {
-    return "Tarnwick Class Main\nfunction main()\nvar i, j : integer\n s, t : string\n b : boolean\n" +
-           statements + "\nend function\nEnd class\n";
-}
-
 std::string inClass(const std::string& declarations) {
     return "Tarnwick Class Main\n" + declarations + "\nEnd class\n";
 }
 
-class Teaching : public ToolchainTest {
+class Teaching : public CheckedClass {
 protected:
     std::string check(const std::string& source) {
-        const std::string file = write("Main.cls", source);
-        Messages messages;
-        ClassLoader loader({});
-        ClassTree* tree = loader.load(file, messages);
-        if (!tree->name.empty()) checkClass(*tree, messages);
-        std::vector<Message> list = messages.list();
+        std::vector<Message> list = messagesOf(source);
         std::stable_sort(list.begin(), list.end(),
                          [](const Message& a, const Message& b) { return a.line < b.line; });
-        std::string found;
-        for (const Message& message : list)
-            found += (found.empty() ? "" : ", ") + std::to_string(message.line) + " " +
-                     std::to_string(message.number);
-        report = messages.report(file);
-        return found;
+        return placesOf(list);
     }
-    std::string report;
 };
 
 struct Habit {

@@ -10,8 +10,8 @@
 #include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
 #include "support/bitmap.h"
+#include "support/resources.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 
@@ -37,9 +37,7 @@ END
 class SplashTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder_ / "a.rc", resource, os::Durability::Unsynced).ok());
-        ASSERT_EQ(platform::CompileResources({folder_ / "a.rc"}, folder_ / "a.rcx"), "");
-        SetApplicationResources(folder_ / "a.rcx");
+        ASSERT_EQ(useResources(folder_, resource), "");
         view_ = platform::useView(platform::makeHeadlessView());
         clockBefore_ = os::useClock(&clock_);
         ClearError();

@@ -6,10 +6,9 @@
 
 #include "kernel/run/runtime.h"
 #include "library/system/system.h"
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
-#include "platform/resources/resource.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -75,9 +74,7 @@ protected:
         const std::string resources = dialogText("FindDlg", boxes) +
                                       dialogText("ReplaceDlg", std::string(boxes) + replaceControls) +
                                       dialogText("GotoLineDlg", "") + windows;
-        ASSERT_TRUE(os::saveFile(folder_ / "a.rc", resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(platform::CompileResources({folder_ / "a.rc"}, folder_ / "a.rcx"), "");
-        SetApplicationResources(folder_ / "a.rcx");
+        ASSERT_EQ(useResources(folder_, resources), "");
         before_ = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
             asked.push_back(question.title + ": " + question.text);
             seen.push_back(GetSelection(Text));

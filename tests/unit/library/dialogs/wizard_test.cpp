@@ -6,9 +6,9 @@
 #include "kernel/run/runtime.h"
 #include "kernel/windows/resources.h"
 #include "library/system/system.h"
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <deque>
@@ -44,9 +44,7 @@ protected:
         for (const char* const name : {"One", "Two", "Three", "Forward"})
             rc += std::string(name) + " DIALOG\n  CAPTION=\"old\"\n" + buttons + "END\n";
         rc += "Bare DIALOG\n  Pushbutton IDOK\nEND\n";
-        ASSERT_TRUE(os::saveFile(folder / "p.rc", rc).ok());
-        ASSERT_EQ(CompileResources({folder / "p.rc"}, folder / "p.rcx"), "");
-        platform::SetApplicationResources(folder / "p.rcx");
+        ASSERT_EQ(useResources(folder, rc), "");
         before = platform::useView(platform::makeHeadlessView([this](const platform::Question& question) {
             told.push_back(question.text);
             return std::string();

@@ -6,8 +6,8 @@
 #include "platform/model/model.h"
 #include "platform/model/view.h"
 #include "platform/operations/printjob.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -37,9 +37,7 @@ protected:
     std::string folderBefore;
 
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, resources), "");
         before = useView(makeHeadlessView());
         ASSERT_EQ(Load(main), Ok);
         folderBefore = os::files().currentFolder();

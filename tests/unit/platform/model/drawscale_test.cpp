@@ -2,12 +2,11 @@
 //
 // The scale of a window's drawing: which pixels of the drawing are under the mouse, what a drag gives back, and which pixels
 // of the window show a rectangle.
-#include "os/files.h"
 #include "platform/model/drawscale.h"
 #include "platform/model/view.h"
 #include "platform/operations/drawscale.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -47,9 +46,7 @@ protected:
     std::unique_ptr<View> before;
 
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", Resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, Resources), "");
         before = useView(makeHeadlessView());
         for (const Object& window : {main, other}) {
             RegisterWindow(window, listen);

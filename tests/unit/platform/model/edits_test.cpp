@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What edit windows show around their text, without a screen.
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/operations/textedits.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -26,11 +25,7 @@ protected:
     std::unique_ptr<View> before;
 
     void SetUp() override {
-        const std::string rc = folder / "a.rc";
-        ASSERT_TRUE(
-            os::saveFile(rc, "Main DIALOG\nEND\nEditor EDITWINDOW\nEND\n", os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({rc}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, "Main DIALOG\nEND\nEditor EDITWINDOW\nEND\n"), "");
         before = useView(makeHeadlessView());
         for (const Object& window : {main, editor}) RegisterWindow(window, countChanges);
         ASSERT_EQ(Load(main), Ok);

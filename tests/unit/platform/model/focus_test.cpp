@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Where the keys of a window go, and what a window that asked hears when the user leaves a control, without a screen.
-#include "os/files.h"
 #include "platform/model/model.h"
 #include "platform/model/view.h"
 #include "platform/operations/focus.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -34,9 +33,7 @@ protected:
     void SetUp() override {
         const std::string text =
             "First DIALOG\n  EDIT one 101\n  EDIT two 102\nEND\nSecond DIALOG\n  EDIT other 101\nEND\n";
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", text, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, text), "");
         before = useView(makeHeadlessView());
         for (const Object& window : {First, Second}) {
             RegisterWindow(window, hear);

@@ -4,11 +4,10 @@
 // and a user who answers questions.
 #pragma once
 
-#include "os/files.h"
 #include "os/process.h"
 #include "platform/model/model.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/steerable.h"
 #include "support/tempfolder.h"
 
@@ -135,10 +134,7 @@ protected:
     std::vector<Question> asked;
 
     void SetUp() override {
-        const std::string rc = folder / "a.rc";
-        ASSERT_TRUE(os::saveFile(rc, ModelResources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({rc}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, ModelResources), "");
         clockBefore = os::useClock(&clock);
         viewBefore = useView(makeHeadlessView([this](const Question& question) {
             asked.push_back(question);

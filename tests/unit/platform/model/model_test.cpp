@@ -163,144 +163,131 @@ TEST_F(ModelTest, UnloadSendsCloseAndObeysAVeto) {
     EXPECT_EQ(Unload(main), WindowNotLoaded);
 }
 
+// What the operations give on an object, by their subjects. The object may be anything.
+using Codes = std::vector<Code>;
+
+Codes onTexts(const Object& o) {
+    return {GetCaption(o).code,      SetCaption(o, ""),     GetText(o).code,       SetText(o, ""),
+            GetTextLength(o).code,   GetTokens(o).code,     SetTokens(o, ""),      GetSelText(o).code,
+            SetSelText(o, ""),       GetSelection(o).code,  SetSelection(o, 1, 1), GetModify(o).code,
+            SetModify(o, true),      GetReadonly(o).code,   GetMaxLength(o).code,  SetMaxLength(o, 1),
+            GetPasswordChar(o).code, SetPasswordChar(o, 1), GetCombotext(o).code,  SetCombotext(o, ""),
+            GetShortcut(o).code,     SetShortcut(o, "F3"),  GetHint(o).code,       SetHint(o, ""),
+            GetName(o).code};
+}
+
+Codes onValues(const Object& o) {
+    return {GetValue(o).code,    SetValue(o, 1),           GetChecked(o).code,
+            SetChecked(o, true), GetCombostyle(o).code,    GetMin(o).code,
+            SetMin(o, 0),        GetMax(o).code,           SetMax(o, 1),
+            GetEnabled(o).code,  SetEnabled(o, true),      GetFlags(o).code,
+            SetFlags(o, 0),      GetBorderStyle(o).code,   GetPicture(o).code,
+            SetPicture(o, ""),   SetPicture(o, Picture()), GetVisible(o).code,
+            GetHandle(o).code};
+}
+
+Codes onLists(const Object& o) {
+    return {GetListCount(o).code, GetListIndex(o).code, SetListIndex(o, 0),
+            GetList(o, 1).code,   SetList(o, 1, ""),    AddItem(o, ""),
+            AddItem(o, 1, ""),    RemoveItem(o, 1),     Clear(o),
+            SetList(o, 1, "", "")};
+}
+
+Codes onPlaces(const Object& o) {
+    return {GetPosition(o, WINDOW_UNIT).code,
+            SetPosition(o, CLIENT_UNIT, {}),
+            TextWidth(o, "").code,
+            TextHeight(o, "").code,
+            WindowWidth(o).code,
+            WindowHeight(o).code};
+}
+
+Codes onArraysAndMenus(const Object& o) {
+    return {GetMenulevel(o).code,        ControlLbound(o).code,   ControlUbound(o).code,
+            Controlarray(o).code,        Controlarraypos(o).code, Controlselection(o).code,
+            Controlselectionpos(o).code, AddMenuitem(o, ""),      AddMenuitems(o, "a"),
+            RemoveMenuitem(o),           RemoveMenuitems(o, o)};
+}
+
+Codes onFontsAndColours(const Object& o) {
+    return {GetFontName(o).code,   SetFontName(o, ""),   GetFontSize(o).code,   SetFontSize(o, 1),
+            GetFontBold(o).code,   SetFontBold(o, true), GetFontItalic(o).code, SetFontItalic(o, true),
+            GetForeColour(o).code, SetForeColour(o, 1),  GetBackColour(o).code, SetBackColour(o, 1)};
+}
+
+Codes onDrawing(const Object& o) {
+    return {StartGraph(o),
+            EndGraph(o),
+            DrawLine(o, 0, 0, 1, 1),
+            DrawPoint(o, 0, 0),
+            DrawShape(o, RECTANGLE_SHAPE, 0, 0, 1, 1),
+            DrawTextstr(o, "a"),
+            DrawPicture(o, "a", 0, 0),
+            DrawWindow(o, o),
+            GetCurrentX(o).code,
+            SetCurrentX(o, 1),
+            GetCurrentY(o).code,
+            SetCurrentY(o, 1)};
+}
+
+Codes onPrinting(const Object& o) {
+    return {GetPageWidth(o).code,
+            GetPageHeight(o).code,
+            GetDpiX(o).code,
+            GetDpiY(o).code,
+            StartPrint(o),
+            EndPrint(o),
+            NewPage(o),
+            GetPage(o).code,
+            GetPrinterStatus(o).code,
+            GetPhysicalWidth(o).code,
+            GetPhysicalHeight(o).code,
+            GetPhysicalOffsetX(o).code,
+            GetPhysicalOffsetY(o).code};
+}
+
+Codes onWhatever(const Object& o) {
+    Codes all;
+    for (const auto subject :
+         {onTexts, onValues, onLists, onPlaces, onArraysAndMenus, onFontsAndColours, onDrawing, onPrinting}) {
+        const Codes codes = subject(o);
+        all.insert(all.end(), codes.begin(), codes.end());
+    }
+    return all;
+}
+
+// Those that only windows have.
+Codes onWindows(const Object& o) {
+    return {Show(o, true).code,
+            Hide(o),
+            GetWindowState(o).code,
+            SetWindowState(o, 1),
+            SetVisible(o, true),
+            ControlList(o).code,
+            GetArrayValue(o, "a").code,
+            SetArrayValue(o, "a", ""),
+            GetArrayValues(o, "*").code,
+            SetArrayValues(o, {}),
+            GetFuncptr(o).code,
+            AlignItems(o),
+            TrackRect(o, TRACK_MOVE, {}, {}, {}).code,
+            FontDialog(o, {}).code,
+            ColourDialog(o, 1).code,
+            PrintDialog(o, 0).code,
+            GetMinPosition(o).code,
+            SetMinPosition(o, {}),
+            GetMaxPosition(o).code,
+            SetMaxPosition(o, {}),
+            Command(1, 1, "")};
+}
+
 TEST_F(ModelTest, EveryOperationOnWhatIsNotLoadedGives702AndOnANumberThatIsNot727) {
-    const auto codes = [](const Object& o) {
-        return std::vector<Code>{GetCaption(o).code,
-                                 SetCaption(o, ""),
-                                 GetText(o).code,
-                                 SetText(o, ""),
-                                 GetTextLength(o).code,
-                                 GetTokens(o).code,
-                                 SetTokens(o, ""),
-                                 GetSelText(o).code,
-                                 SetSelText(o, ""),
-                                 GetSelection(o).code,
-                                 SetSelection(o, 1, 1),
-                                 GetValue(o).code,
-                                 SetValue(o, 1),
-                                 GetChecked(o).code,
-                                 SetChecked(o, true),
-                                 GetModify(o).code,
-                                 SetModify(o, true),
-                                 GetReadonly(o).code,
-                                 GetMaxLength(o).code,
-                                 SetMaxLength(o, 1),
-                                 GetPasswordChar(o).code,
-                                 SetPasswordChar(o, 1),
-                                 GetCombotext(o).code,
-                                 SetCombotext(o, ""),
-                                 GetCombostyle(o).code,
-                                 GetMin(o).code,
-                                 SetMin(o, 0),
-                                 GetMax(o).code,
-                                 SetMax(o, 1),
-                                 GetEnabled(o).code,
-                                 SetEnabled(o, true),
-                                 GetFlags(o).code,
-                                 SetFlags(o, 0),
-                                 GetShortcut(o).code,
-                                 SetShortcut(o, "F3"),
-                                 GetMenulevel(o).code,
-                                 GetHint(o).code,
-                                 SetHint(o, ""),
-                                 GetBorderStyle(o).code,
-                                 GetPicture(o).code,
-                                 SetPicture(o, ""),
-                                 GetListCount(o).code,
-                                 GetListIndex(o).code,
-                                 SetListIndex(o, 0),
-                                 GetList(o, 1).code,
-                                 SetList(o, 1, ""),
-                                 AddItem(o, ""),
-                                 AddItem(o, 1, ""),
-                                 RemoveItem(o, 1),
-                                 Clear(o),
-                                 GetPosition(o, WINDOW_UNIT).code,
-                                 SetPosition(o, CLIENT_UNIT, {}),
-                                 TextWidth(o, "").code,
-                                 TextHeight(o, "").code,
-                                 ControlLbound(o).code,
-                                 ControlUbound(o).code,
-                                 Controlarray(o).code,
-                                 Controlarraypos(o).code,
-                                 Controlselection(o).code,
-                                 Controlselectionpos(o).code,
-                                 AddMenuitem(o, ""),
-                                 AddMenuitems(o, "a"),
-                                 RemoveMenuitem(o),
-                                 RemoveMenuitems(o, o),
-                                 GetFontName(o).code,
-                                 SetFontName(o, ""),
-                                 GetFontSize(o).code,
-                                 SetFontSize(o, 1),
-                                 GetFontBold(o).code,
-                                 SetFontBold(o, true),
-                                 GetFontItalic(o).code,
-                                 SetFontItalic(o, true),
-                                 GetForeColour(o).code,
-                                 SetForeColour(o, 1),
-                                 GetBackColour(o).code,
-                                 SetBackColour(o, 1),
-                                 SetList(o, 1, "", ""),
-                                 SetPicture(o, Picture()),
-                                 WindowWidth(o).code,
-                                 WindowHeight(o).code,
-                                 GetPageWidth(o).code,
-                                 GetPageHeight(o).code,
-                                 GetDpiX(o).code,
-                                 GetDpiY(o).code,
-                                 StartGraph(o),
-                                 EndGraph(o),
-                                 DrawLine(o, 0, 0, 1, 1),
-                                 DrawPoint(o, 0, 0),
-                                 DrawShape(o, RECTANGLE_SHAPE, 0, 0, 1, 1),
-                                 DrawTextstr(o, "a"),
-                                 DrawPicture(o, "a", 0, 0),
-                                 DrawWindow(o, o),
-                                 GetCurrentX(o).code,
-                                 SetCurrentX(o, 1),
-                                 GetCurrentY(o).code,
-                                 SetCurrentY(o, 1),
-                                 StartPrint(o),
-                                 EndPrint(o),
-                                 NewPage(o),
-                                 GetPage(o).code,
-                                 GetPrinterStatus(o).code,
-                                 GetPhysicalWidth(o).code,
-                                 GetPhysicalHeight(o).code,
-                                 GetPhysicalOffsetX(o).code,
-                                 GetPhysicalOffsetY(o).code,
-                                 GetVisible(o).code,
-                                 GetHandle(o).code,
-                                 GetName(o).code};
-    };
-    for (const Code code : codes(Object("Main", 101))) EXPECT_EQ(code, WindowNotLoaded);
-    for (const Code code : codes(main)) EXPECT_EQ(code, WindowNotLoaded);
-    for (const Code code : codes(Object())) EXPECT_EQ(code, ControlInvalid);
-    const std::vector<Code> window = {Show(main, true).code,
-                                      Hide(main),
-                                      GetWindowState(main).code,
-                                      SetWindowState(main, 1),
-                                      SetVisible(main, true),
-                                      ControlList(main).code,
-                                      GetArrayValue(main, "a").code,
-                                      SetArrayValue(main, "a", ""),
-                                      GetArrayValues(main, "*").code,
-                                      SetArrayValues(main, {}),
-                                      GetFuncptr(main).code,
-                                      AlignItems(main),
-                                      TrackRect(main, TRACK_MOVE, {}, {}, {}).code,
-                                      FontDialog(main, {}).code,
-                                      ColourDialog(main, 1).code,
-                                      PrintDialog(main, 0).code,
-                                      GetMinPosition(main).code,
-                                      SetMinPosition(main, {}),
-                                      GetMaxPosition(main).code,
-                                      SetMaxPosition(main, {}),
-                                      Command(1, 1, "")};
-    for (const Code code : window) EXPECT_EQ(code, WindowNotLoaded);
+    for (const Code code : onWhatever(Object("Main", 101))) EXPECT_EQ(code, WindowNotLoaded);
+    for (const Code code : onWhatever(main)) EXPECT_EQ(code, WindowNotLoaded);
+    for (const Code code : onWhatever(Object())) EXPECT_EQ(code, ControlInvalid);
+    for (const Code code : onWindows(main)) EXPECT_EQ(code, WindowNotLoaded);
     loadMain();
-    for (const Code code : codes(Object("Main", 4711))) EXPECT_EQ(code, ControlInvalid);
+    for (const Code code : onWhatever(Object("Main", 4711))) EXPECT_EQ(code, ControlInvalid);
 }
 
 TEST_F(ModelTest, AControlWithoutThePropertyAnswersEmptyWithoutAnError) {

@@ -6,8 +6,8 @@
 #include "platform/model/view.h"
 #include "platform/operations/boxhelp.h"
 #include "platform/operations/printjob.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -90,9 +90,7 @@ protected:
     std::vector<Question> asked;
 
     void SetUp() override {
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", resources, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, resources), "");
         before = useView(makeHeadlessView([this](const Question& question) {
             asked.push_back(question);
             if (answers.empty()) return std::string();

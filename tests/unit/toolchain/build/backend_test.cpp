@@ -7,8 +7,6 @@
 #include "toolchain/build/elf.h"
 #include "toolchain/build/tcc.h"
 
-#include <cstring>
-#include <elf.h>
 #include <string>
 #include <vector>
 
@@ -134,13 +132,8 @@ TEST_F(BackEnds, NoProgramHasAStackThatHoldsCode) {
     for (const std::string& name : backEnds()) {
         const Variable chosen("TARNWICK_CC", name);
         ASSERT_EQ(make("-fa"), 0) << errors();
-        const std::string program = read("main.exe");
-        Elf64_Ehdr head;
-        std::memcpy(&head, program.data(), sizeof head);
         int stacks = 0;
-        for (unsigned i = 0; i < head.e_phnum; ++i) {
-            Elf64_Phdr part;
-            std::memcpy(&part, program.data() + head.e_phoff + i * sizeof part, sizeof part);
+        for (const Elf64_Phdr& part : programParts(read("main.exe"))) {
             EXPECT_NE(part.p_flags & (PF_W | PF_X), PF_W | PF_X) << name;
             if (part.p_type != PT_GNU_STACK) continue;
             ++stacks;

@@ -4,11 +4,10 @@
 #include "platform/model/debugger/debugwindow.h"
 
 #include "os/clock.h"
-#include "os/files.h"
 #include "platform/model/model.h"
-#include "platform/resources/resource.h"
 #include "platform/windowing.h"
 #include "support/recording_view.h"
+#include "support/resources.h"
 #include "support/tempfolder.h"
 
 #include <gtest/gtest.h>
@@ -40,9 +39,7 @@ protected:
 
     void SetUp() override {
         const std::string text = "Form DIALOG\n  POSITION=0 0 100 50\n  PUSHBUTTON one 101\nEND\n";
-        ASSERT_TRUE(os::saveFile(folder / "a.rc", text, os::Durability::Unsynced).ok());
-        ASSERT_EQ(CompileResources({folder / "a.rc"}, folder / "a.rcx"), "");
-        SetApplicationResources(folder / "a.rcx");
+        ASSERT_EQ(useResources(folder, text), "");
         before = useView(makeHeadlessView([](const Question& question) { return question.buttons.front(); }));
         RegisterWindow(Form, hear);
         ASSERT_EQ(Load(Form), Ok);
