@@ -67,6 +67,32 @@ protected:
         }
         return run(datatool::rebuild, words);
     }
+    // False when the process has died in it.
+    bool convertAndDie(const Arguments& words, int call) {
+        files().dieAt(call, false);
+        try {
+            EXPECT_EQ(datatool::convert(words), Well) << said();
+        } catch (const os::ProcessDeath&) {}
+        const bool ended = !files().dead();
+        end(endings[0]);
+        return ended;
+    }
+    void expectOldOrNew(const Rows& fresh, bool died, int& told) {
+        const bool whole = run(datatool::check, arguments()) == Well;
+        EXPECT_TRUE(died || whole) << said();
+        EXPECT_EQ(said().find("no index"), std::string::npos) << said();
+        if (!whole) {
+            ++told;
+            EXPECT_NE(said().find("the making of a new one did not end"), std::string::npos) << said();
+            EXPECT_EQ(run(datatool::rebuild, arguments()), Well) << said();
+            EXPECT_EQ(run(datatool::check, arguments()), Well) << said();
+        }
+        table = closedTable(layout_->maps, layout_->maxlength);
+        if (open(layout_->file) != 0) return;  // it has other keys
+        EXPECT_TRUE(same(rows(), model_) || same(rows(), fresh)) << said();
+        EXPECT_TRUE(died || same(rows(), fresh));
+        abandon();
+    }
     void expectMended(const Rows& after) {
         const bool whole = run(datatool::check, arguments()) == Well;
         const std::string checked = said();
@@ -122,6 +148,34 @@ TEST_F(ToolAfterDeaths, CheckTellsWhichRowWasBeingReplacedAndRebuildFinishesIt) 
         EXPECT_TRUE(sameCells(rows()[1], newRow(60)));
     }
     EXPECT_GT(told, 0);
+}
+
+// Of the old table and of the new one; a rebuild knows the keys.
+TEST_F(ToolAfterDeaths, AConvertThatDiesLeavesATableThatIsWholeOrThatCheckTellsOf) {
+    const Rows fresh = {newRow(101), newRow(102), newRow(103)};
+    for (const bool otherKeys : {false, true}) {
+        int told = 0;
+        bool died = true;
+        for (int call = 1; died && !HasFailure(); ++call) {
+            SCOPED_TRACE(std::string(otherKeys ? "other keys" : "the same keys") + ", before call " +
+                         std::to_string(call));
+            start(layouts[1], 6);
+            close();
+            Arguments words = arguments();
+            words.files = {"/d/a.csv", layout_->file};
+            words.toTable = true;
+            if (otherKeys) words.keys = {{"number"}, {"name", "number"}};
+            std::string text = "number,name,weight,code\n";
+            for (const Cells& cells : fresh) {
+                const std::string number = std::to_string(numberOf(cells));
+                text += number + ",n" + number + "," + std::to_string(numberOf(cells) / 4.0) + ",c\n";
+            }
+            files().put("/d/a.csv", text);
+            died = !convertAndDie(words, call);
+            expectOldOrNew(fresh, died, told);
+        }
+        EXPECT_GT(told, 1);
+    }
 }
 
 // A row moves to a place that the disk never gets.
