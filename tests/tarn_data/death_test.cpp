@@ -6,6 +6,7 @@
 #include "tarn_data/said.h"
 #include "unit/kernel/filedeaths_fixture.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace tarn::datatool {
@@ -67,6 +68,60 @@ protected:
         }
         return run(datatool::rebuild, words);
     }
+    // A table of six rows, and a file of three others that is to take its place.
+    Arguments startConvert(bool otherKeys) {
+        start(layouts[1], 6);
+        close();
+        fresh_ = {newRow(101), newRow(102), newRow(103)};
+        std::string text = "number,name,weight,code\n";
+        for (const Cells& cells : fresh_) {
+            const std::string number = std::to_string(numberOf(cells));
+            text += number + ",n" + number + "," + std::to_string(numberOf(cells) / 4.0) + ",c\n";
+        }
+        files().put("/d/a.csv", text);
+        Arguments words = arguments();
+        words.files = {"/d/a.csv", layout_->file};
+        words.toTable = true;
+        if (otherKeys) words.keys = {{"number"}, {"name", "number"}};
+        return words;
+    }
+    // The number of the call that moves the first new index.
+    int firstExchange(const Arguments& words) {
+        files().clearLog();
+        EXPECT_EQ(run(datatool::convert, words), Well) << said();
+        const std::vector<std::string> log = files().log();
+        const auto at = std::find_if(log.begin(), log.end(), [](const std::string& call) {
+            return call.starts_with("rename ") && call.ends_with(" /d/a.~i1");
+        });
+        EXPECT_NE(at, log.end());
+        return static_cast<int>(at - log.begin()) + 1;
+    }
+    // False when the process has died in it.
+    bool convertAndDie(const Arguments& words, int call) {
+        files().dieAt(call, false);
+        try {
+            EXPECT_EQ(datatool::convert(words), Well) << said();
+        } catch (const os::ProcessDeath&) {}
+        const bool ended = !files().dead();
+        end(endings[0]);
+        return ended;
+    }
+    void expectOldOrNew(bool died, int& told) {
+        const bool whole = run(datatool::check, arguments()) == Well;
+        EXPECT_TRUE(died || whole) << said();
+        EXPECT_EQ(said().find("no index"), std::string::npos) << said();
+        if (!whole) {
+            ++told;
+            EXPECT_NE(said().find("the making of a new one did not end"), std::string::npos) << said();
+            EXPECT_EQ(run(datatool::rebuild, arguments()), Well) << said();
+            EXPECT_EQ(run(datatool::check, arguments()), Well) << said();
+        }
+        table = closedTable(layout_->maps, layout_->maxlength);
+        if (open(layout_->file) != 0) return;  // it has other keys
+        EXPECT_TRUE(same(rows(), model_) || same(rows(), fresh_)) << said();
+        EXPECT_TRUE(died || same(rows(), fresh_));
+        abandon();
+    }
     void expectMended(const Rows& after) {
         const bool whole = run(datatool::check, arguments()) == Well;
         const std::string checked = said();
@@ -80,6 +135,8 @@ protected:
         expectWhole();
         EXPECT_TRUE(same(rows(), model_) || same(rows(), after)) << said();
     }
+
+    Rows fresh_;
 };
 
 TEST_F(ToolAfterDeaths, AfterADeathAtAnyCallCheckTellsAndRebuildGivesTheRowsBack) {
@@ -122,6 +179,22 @@ TEST_F(ToolAfterDeaths, CheckTellsWhichRowWasBeingReplacedAndRebuildFinishesIt) 
         EXPECT_TRUE(sameCells(rows()[1], newRow(60)));
     }
     EXPECT_GT(told, 0);
+}
+
+// While the files take their places; ahead of that nothing of the old table changes. A rebuild knows the keys.
+TEST_F(ToolAfterDeaths, AConvertThatDiesLeavesATableThatIsWholeOrThatCheckTellsOf) {
+    for (const bool otherKeys : {false, true}) {
+        const int first = firstExchange(startConvert(otherKeys));
+        int told = 0;
+        bool died = true;
+        for (int call = first; died && !HasFailure(); ++call) {
+            SCOPED_TRACE(std::string(otherKeys ? "other keys" : "the same keys") + ", before call " +
+                         std::to_string(call));
+            died = !convertAndDie(startConvert(otherKeys), call);
+            expectOldOrNew(died, told);
+        }
+        EXPECT_GT(told, 1);
+    }
 }
 
 // A row moves to a place that the disk never gets.

@@ -70,16 +70,65 @@ TEST_F(Honest, TextFormsGiveEveryCellBackByteForByte) {
     EXPECT_EQ(errors, "");
 }
 
+// A program's load would refuse an empty text there.
+TEST_F(Honest, EmptyCellsOfNumbersAreElementsWithoutContentInXml) {
+    const std::string text =
+        "id,amt,ok,r,m,day\n1,1.50,True,1.5E3,[1],2000-01-31\n2,,,,,\n3,2.50,False,2.5E3,[2],\n";
+    EXPECT_EQ(there(text, "xml"), text);
+    EXPECT_EQ(errors, "");
+    const std::string xml = read("there.xml");
+    for (const char* part :
+         {"<amt type=\"fixed\">1.50</amt>", "<amt type=\"fixed\"/>", "<ok type=\"boolean\"/>",
+          "<r type=\"real\"/>", "<m type=\"set[1:2]\"/>", "<day type=\"string\"></day>"})
+        EXPECT_NE(xml.find(part), std::string::npos) << part << "\n" << xml;
+}
+
+TEST_F(Honest, WordsForNothingStayInXmlAndANoteTellsWhatALoadMakesOfThem) {
+    const std::string text = "id,amt,ok\n1,1.50,True\n2,NULL,\nNULL,null,NULL\n";
+    EXPECT_EQ(there(text, "xml"), text);
+    expectNote("Column 'id': 1 cell says in words that there is nothing (the first in row 3: 'NULL'). A "
+               "program that "
+               "loads the file into such fields reads 0; --null='NULL' leaves them empty.");
+    expectNote("Column 'amt': 2 cells say in words that there is nothing (the first in row 2: 'NULL'). A "
+               "program that "
+               "loads the file into such fields gets the error 984;");
+    expectNote("Column 'ok': 1 cell says in words that there is nothing (the first in row 3: 'NULL'). A "
+               "program that "
+               "loads the file into such fields gets the error 981;");
+    convert("a.csv", text, "b.xml", "--null=NULL --null=null");
+    EXPECT_EQ(errors, "");
+    EXPECT_EQ(read("b.xml").find("NULL"), std::string::npos);
+}
+
+TEST_F(Honest, AFileThatIsProtectedAndOneThatIsNotThereAreToldFromOthers) {
+    write("a.csv", "id\n1\n");
+    write("t.type", "record\n\tid : integer\nend record\n");
+    for (const std::string target : {"b.xml", "b.csv", "b.dbf", "b.bin --type=t.type"}) {
+        const std::string name = target.substr(0, target.find(' '));
+        write(name, "old");
+        shell("chmod 444 " + name);
+        EXPECT_EQ(tarnData("convert a.csv " + target), Failed);
+        EXPECT_NE(errors.find("File '" + name + "' cannot be written: it is protected against writing."),
+                  std::string::npos)
+            << errors;
+        EXPECT_NE(errors.find("chmod u+w"), std::string::npos) << errors;
+        EXPECT_EQ(read(name), "old");
+        EXPECT_EQ(tarnData("convert a.csv none/" + target), Failed);
+        EXPECT_EQ(errors.find("as it was"), std::string::npos) << errors;
+        EXPECT_NE(errors.find("No file was made."), std::string::npos) << errors;
+        EXPECT_EQ(errors.find(".."), std::string::npos) << errors;
+    }
+}
+
 TEST_F(Honest, EmptyNumbersOfXbaseStayEmptyAndNullIsNoted) {
     EXPECT_EQ(there("id,n,ok\n1,,True\n2,5.25,\n3,7,False\n", "dbf"),
               "id,n,ok\n1,,True\n2,5.25,\n3,7,False\n");
     EXPECT_EQ(errors, "");
     EXPECT_EQ(there("id,n\n1,5\n2,NULL\n3,null\n", "dbf"), "id,n\n1,5\n2,\n3,\n");
-    expectNote("Column 'n' has 2 cells of NULL, which are left blank (the first in row 2).");
+    expectNote("Column 'n' has 2 cells of NULL, left blank (the first in row 2).");
     EXPECT_EQ(there("id,s\n1,x \n2,y\n", "dbf"), "id,s\n1,x\n2,y\n");
-    expectNote(
-        "Column 's' has 1 texts with blanks at their end, which a dbf file does not keep (the first in "
-        "row 1).");
+    expectNote("Column 's' has 1 text with blanks at the end, which a dbf file does not keep (the first in "
+               "row 1).");
     EXPECT_EQ(there("id,ok\n1,yes\n2,no\n", "dbf"), "id,ok\n1,True\n2,False\n");
     expectNote("Column 'ok' is written as T and F, for True and False, like 'yes' in row 1.");
 }

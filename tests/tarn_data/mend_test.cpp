@@ -39,8 +39,11 @@ TEST_F(Mending, OneStrayByteBehindTheRowsOfAnXbaseFileIsCutOff) {
     for (const std::string stray : {"x", " ", "\x1B"}) {
         write("d.dbf", whole + stray);
         expectFault("d.dbf", "d.dbf: It has 1 byte behind its whole rows.");
+        EXPECT_EQ(tarnData("info d.dbf"), Well) << errors;
+        EXPECT_NE(output.find(" and 1 byte; 'tarn-data check' tells more\n"), std::string::npos) << output;
+        EXPECT_EQ(output.find("the header counts"), std::string::npos) << output;
         EXPECT_EQ(tarnData("rebuild d.dbf --keys=NAME"), Well) << errors;
-        EXPECT_NE(output.find("1 byte behind the last whole row cut off; they stand in 'd.dbf.torn'."),
+        EXPECT_NE(output.find("1 byte behind the last whole row cut off; it stands in 'd.dbf.torn'."),
                   std::string::npos)
             << output;
         EXPECT_EQ(read("d.dbf"), whole);

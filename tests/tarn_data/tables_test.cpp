@@ -68,7 +68,7 @@ TEST_F(Tables, FilesThatCannotBeReadAreTold) {
         {"convert memo.dbf b.csv", "which is not a standard Xbase type"},
         {"convert few.dbf b.csv", "counts 9 rows in its header and has 1"},
         {"info t.bin --type=none", "There is no such file"},
-        {"info t.bin --type=bad.type", "line 2 of the declaration is none"},
+        {"info t.bin --type=bad.type", "declares nothing in line 2"},
         {"info t.bin --type=open.type", "the length of field 1 is not fixed"},
         {"info t.bin --type=none.type", "declares no record"},
         {"convert t.bin b.csv --type=t.type", "is not as long as its rows of 12 bytes make it"},

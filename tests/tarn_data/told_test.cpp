@@ -173,7 +173,7 @@ TEST_F(Told, IndexFilesOfAnotherTableAreNamed) {
         << output;
     ASSERT_EQ(tarnData("check a.tabl --type=i.type"), Well) << output << errors;
     EXPECT_NE(output.find("note: a.i1: It is that of the table file 'a.bin'"), std::string::npos) << output;
-    EXPECT_NE(output.find("a.tabl: whole, 2 rows\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("a.tabl: whole, 2 rows, no index\n"), std::string::npos) << output;
     ASSERT_EQ(tarnData("rebuild a.tabl --type=i.type --dry-run"), Well) << errors;
     ASSERT_EQ(tarnData("rebuild a.tabl --type=i.type"), Well) << errors;
     expectFailure("rebuild a.tabl --type=i.type --keys=id", "belongs to another table beside it");
@@ -263,7 +263,7 @@ TEST_F(Told, ValuesThatComeBackInAnotherFormAreNoted) {
     write("v.csv", "ok,n\nTrue,1\nyes, 2\n");
     converted("v.csv v.dbf", "v.dbf");
     expectNote("Column 'ok' is written as T and F, for True and False, like 'yes' in row 2.");
-    expectNote("Column 'n' has 1 cells with blanks around what they hold, which a dbf file does not keep "
+    expectNote("Column 'n' has 1 cell with blanks around the value, which a dbf file does not keep "
                "(the first in "
                "row 2).");
 }

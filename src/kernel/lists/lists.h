@@ -11,8 +11,8 @@
 // A list that is held in a file has the element kind + 16 as its tag, and as data a block of 255 bytes with
 // the name of its file; it answers 661 to every use until it is opened (filevalues.h). Every operation opens
 // the file and closes it again (a RowBatch of rowfile.h spares that where there are many), and may fail with
-// 653 when the file is gone, 655 when it has not the rows that are counted, 651, 652 or 654; the list is then
-// as it was. What an element is given must fit the shape of the prototype, as in memory.
+// 653 (the file is gone), 651, 652, 654, or 655 when it has not the rows that are counted: a change looks at all,
+// reading at its row (651 when that is not all there). The list is then as it was. Elements fit the prototype.
 //
 // Every access is checked, in this order: 761 null or no list; 661 held in a file and not open; 610 a null
 // value, a kind outside 1 to 12 or a malformed descriptor; 611 a value of another kind; 603 a position

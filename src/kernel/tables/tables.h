@@ -76,7 +76,7 @@ void TableClear(TableDescriptor* t);  // the rows stay gone when the files of th
 // the rows before the second, and the indexes behind it are empty. Rows that an index lacks can still be
 // updated and deleted through another, and the table then be rebuilt. 802 and 804 leave the indexes like 637
 // in memory; in a file they, the codes of files, and the user who stops it (run/progress.h, no error) leave
-// the old ones.
+// the old ones. In a file the last row is dropped when it is an earlier one again, as a deletion that died left it.
 void TableRebuild(TableDescriptor* t);
 
 // Keeps the files of an open table open for the operations that follow, which spares their opening and most

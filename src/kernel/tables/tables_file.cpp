@@ -215,19 +215,52 @@ bool FileTableClear(TableDescriptor& t) {
 
 namespace {
 
-Filled fillAll(const TableDescriptor& t) {
-    const TableHeader& header = HeaderOf(t);
-    const std::string file(RowFileName(header.rows));
-    ListReader rows(header.rows);
-    RowProgress progress(header, IndexesOf(header));
-    for (std::int32_t i = 0; i < IndexesOf(header); ++i) {
-        IndexFill fill(header, i);
-        if (!fill.open(IndexFileName(file, i + 1))) return Filled::Failed;
-        const Filled result = fill.run(rows, 1, header.rows.count, &progress);
-        if (!fill.close()) return Filled::Failed;
+// The indexes of a table whose rows are open, made anew in its files.
+class Refilling {
+public:
+    explicit Refilling(TableDescriptor& t) : table_(t), header_(HeaderOf(t)), last_(header_.rows.count) {}
+    Filled run() {
+        const Filled result = MakeTableIndexes(table_) ? fillAll() : Filled::Failed;
+        return result != Filled::Whole || dropLast() ? result : Filled::Failed;
+    }
+
+private:
+    Filled fillAll();
+    Filled fill(std::int32_t index, ListReader& rows, RowProgress& progress);
+    bool dropLast();
+
+    TableDescriptor& table_;
+    TableHeader& header_;
+    std::int32_t last_;  // that the indexes get: all but one that stands twice
+};
+
+Filled Refilling::fill(std::int32_t index, ListReader& rows, RowProgress& progress) {
+    IndexFill fill(header_, index);
+    if (!fill.open(IndexFileName(RowFileName(header_.rows), index + 1))) return Filled::Failed;
+    Filled result = fill.run(rows, 1, last_, &progress);
+    if (result == Filled::Duplicate && IsLastRowAgain(header_, fill.duplicate())) {
+        --last_;
+        result = Filled::Whole;
+    }
+    return fill.close() ? result : Filled::Failed;
+}
+
+Filled Refilling::fillAll() {
+    ListReader rows(header_.rows);
+    RowProgress progress(header_, IndexesOf(header_));
+    for (std::int32_t i = 0; i < IndexesOf(header_); ++i) {
+        const Filled result = fill(i, rows, progress);
         if (result != Filled::Whole) return result;
     }
     return Filled::Whole;
+}
+
+// The last row goes when the indexes without it are there, and its other place is on the disk.
+bool Refilling::dropLast() {
+    if (last_ == header_.rows.count) return true;
+    if (!SyncTableIndexes(table_) || !RemoveLastRow(header_.rows)) return false;
+    table_.count = header_.rows.count;
+    return true;
 }
 
 }  // namespace
@@ -235,7 +268,7 @@ Filled fillAll(const TableDescriptor& t) {
 bool FileTableRebuild(TableDescriptor& t) {
     IndexExchange exchange(t);
     if (!AcceptRows(HeaderOf(t).rows) || !exchange.setAside()) return false;
-    const Filled result = MakeTableIndexes(t) ? fillAll(t) : Filled::Failed;
+    const Filled result = Refilling(t).run();
     const bool stays = result == Filled::Whole || result == Filled::Duplicate;
     stays ? exchange.drop() : exchange.putBack();
     if (result == Filled::Duplicate) return Refuse(ERR_UNIQUE_INDEX);

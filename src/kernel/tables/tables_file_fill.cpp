@@ -6,6 +6,8 @@
 #include "kernel/run/errorcell.h"
 #include "kernel/run/progress.h"
 #include "kernel/tables/tables_file_mend.h"
+#include "kernel/values/adt_kinds.h"
+#include "kernel/values/owned.h"
 #include "os/tinylimits.h"
 
 #include <algorithm>
@@ -28,6 +30,18 @@ std::int32_t rowsPerCommit(std::int32_t recordSize) {
 RowProgress::RowProgress(const TableHeader& header, std::int32_t indexes)
     : rowBytes_(std::max<std::int64_t>(PackedLength(&RowShape(header), KindRecord), 1)),
       total_(rowBytes_ * header.rows.count * indexes), next_(ProgressStep) {}
+
+bool IsLastRowAgain(const TableHeader& header, const DuplicateKey& duplicate) {
+    if (duplicate.row != header.rows.count) return false;
+    RecordValue rows[2];
+    const std::int32_t numbers[] = {duplicate.row, duplicate.first};
+    for (const int i : {0, 1}) {
+        const bool read = InitValue(rows[i].get(), &RowShape(header), KindRecord) &&
+                          ReadRow(header.rows, numbers[i], rows[i].get());
+        if (!read) return false;
+    }
+    return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
+}
 
 // What is done in one way after another had failed counts again.
 bool RowProgress::step(std::int32_t times) {

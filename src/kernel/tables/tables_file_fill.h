@@ -32,6 +32,10 @@ private:
 
 enum class Filled { Whole, Duplicate, Stopped, Failed };
 
+// Whether a duplicate is the last row, whole, at an earlier place: a deletion that died had moved it there. False, with the
+// error set, also when one of the two cannot be read.
+bool IsLastRowAgain(const TableHeader& header, const DuplicateKey& duplicate);
+
 // Fills an empty index file, up to the first row, in row order, whose key another has.
 class IndexFill {
 public:

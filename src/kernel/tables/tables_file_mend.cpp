@@ -193,7 +193,6 @@ private:
     bool findTorn(std::vector<std::int32_t>& torn);
     bool dropTorn();
     bool restoreGuarded();
-    bool isLastAgain(const DuplicateKey& duplicate);
 
     TableDescriptor& table_;
     TableHeader& header_;
@@ -230,7 +229,7 @@ bool IndexRebuilding::fill(std::int32_t index) {
         if (filled != Filled::Duplicate) return false;
         const DuplicateKey& found = fill.duplicate();
         done = found.row;
-        if (isLastAgain(found)) {
+        if (result_.rowDropped == 0 && IsLastRowAgain(header_, found)) {
             if (!RemoveLastRow(header_.rows)) return false;
             result_.rowDropped = found.row;
             result_.sameAs = found.first;
@@ -285,18 +284,6 @@ bool IndexRebuilding::restoreGuarded() {
         OwnErrors::forget();
         return true;
     });
-}
-
-bool IndexRebuilding::isLastAgain(const DuplicateKey& duplicate) {
-    if (duplicate.row != header_.rows.count || result_.rowDropped != 0) return false;
-    RecordValue rows[2];
-    const std::int32_t numbers[] = {duplicate.row, duplicate.first};
-    for (const int i : {0, 1}) {
-        const bool read = InitValue(rows[i].get(), &RowShape(header_), KindRecord) &&
-                          ReadRow(header_.rows, numbers[i], rows[i].get());
-        if (!read) return false;
-    }
-    return EqualValues(rows[0].get(), rows[1].get(), KindRecord);
 }
 
 // Nothing is mended for a table that cannot have its indexes. What mending the rows refuses is left to that.

@@ -15,7 +15,8 @@ namespace tarn {
 
 namespace {
 
-constexpr std::string_view marks[] = {"~i", "~n", "~d"};
+constexpr std::string_view asideMark = "~i";
+constexpr std::string_view marks[] = {asideMark, "~n", "~d"};
 
 bool isFile(const os::FileInfo& info) {
     return info.exists && !info.folder && !info.special;
@@ -88,7 +89,7 @@ bool AcceptIndexPlaces(std::string_view tableFile, std::int32_t indexes) {
     return true;
 }
 
-void RemoveIndexFiles(std::string_view tableFile) {
+void RemoveIndexFiles(std::string_view tableFile, std::int32_t waiting) {
     const os::FileInfo rows = os::infoOf(std::string(tableFile));
     const auto remove = [&](const std::string& path) {
         if (isRowFile(path, tableFile, rows) || isIndexOfOther(path, tableFile)) return;
@@ -98,7 +99,9 @@ void RemoveIndexFiles(std::string_view tableFile) {
     for (std::int32_t n = 1; n <= MaxIndexes; ++n) {
         const std::string index = IndexFileName(tableFile, n);
         remove(index);
-        for (const std::string_view mark : marks) remove(MarkedIndexName(index, mark));
+        for (const std::string_view mark : marks) {
+            if (mark != asideMark || n > waiting) remove(MarkedIndexName(index, mark));
+        }
     }
 }
 

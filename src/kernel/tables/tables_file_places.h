@@ -26,8 +26,9 @@ std::string OwnerOfIndex(const std::string& indexFile, std::string_view tableFil
 bool NamesOtherTable(const std::string& indexFile, std::string_view tableFile);
 
 // Deletes what stands under the names of the five possible indexes of this row file, but the row file itself
-// and the indexes of another table file beside. Sets no error: what is not there need not be deleted, and
-// what cannot be deleted is found when an index is made.
-void RemoveIndexFiles(std::string_view tableFile);
+// and the indexes of another table file beside. Of the files that stepped aside (orders.~i1) the first `waiting` stay: they
+// are new ones that will take the places. Sets no error: what is not there need not be deleted, and what cannot be deleted
+// is found when an index is made.
+void RemoveIndexFiles(std::string_view tableFile, std::int32_t waiting = 0);
 
 }  // namespace tarn

@@ -116,6 +116,15 @@ void checkOrder(const std::string& filename, const DataFileInfo& info, DataTable
     }
 }
 
+// Which row it is whose cells are of other types than those above it: the last that was seen.
+std::string misfitHint(const DataFileInfo& info) {
+    const bool delimited = info.rowsSeen > 0 && info.message.starts_with("The type of element '");
+    return delimited
+               ? "\nIt changed in data row " + STR(info.rowsSeen) +
+                     ". Look whether that cell is right, and whether the header rows and the separator are."
+               : std::string();
+}
+
 // The columns; a message in `data` if there are none. Of delimited text the rows tell them that can be shown: a large
 // file need not be read to its end.
 DataFileInfo findColumns(const std::string& filename, const DataOptions* options, DataTable& data) {
@@ -128,7 +137,7 @@ DataFileInfo findColumns(const std::string& filename, const DataOptions* options
         data.step = DataTable::Step::Stopped;
     } else if (!info.message.empty()) {
         data.step = DataTable::Step::Columns;
-        data.message = info.message;
+        data.message = info.message + misfitHint(info);
     }
     return info;
 }

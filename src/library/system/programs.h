@@ -36,10 +36,10 @@ struct ExecFiles {
 // program with a folder is taken from there, one without is sought on PATH; `x.exe` is also found as `x`.
 //
 //   901  there is no such program, or no such folder to run in
-//   902  the file is no program, or a damaged one
+//   902  the file is no program, a damaged one, or empty
 //   903  no memory for it
 //   905  what it needs to run (its interpreter) is missing, or it is being written
-//   906  a name or arguments that are too long, or hold a character 0
+//   906  a name or arguments that are too long, or hold a character 0; a quote without its partner in a line
 //   907  a redirection without its one file, of one file both ways, or to one that cannot be used; a folder that
 //        is too long
 //   908  it may not be run

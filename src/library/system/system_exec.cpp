@@ -33,15 +33,52 @@ constexpr int ProgressMilliseconds = 1000;  // a tool that takes longer can be s
 constexpr int GraceMilliseconds = 2000;     // what a stopped tool has to end by itself
 static_assert(2 * SliceMilliseconds <= PollMilliseconds);
 
+// ---- where a program stands ----
+
+using TestFile = bool (*)(const std::string& path);
+
 bool hasContent(const std::string& path) {
     return os::sizeOf(path) > 0;
 }
+bool isEmpty(const std::string& path) {
+    return os::sizeOf(path) == 0;
+}
+
+std::string findTool(const std::string& path, TestFile test) {
+    const std::string name = os::native(path);
+    if (test(name)) return name;
+    if (!STREQUAL(FILEGETEXT(name), ".exe")) return {};
+    const std::string bare = FILECHANGEEXT(name, "");
+    return !FILEBASENAME(bare).empty() && test(bare) ? bare : std::string();
+}
+
+std::string findProgram(const std::string& program, TestFile test) {
+    if (!FILEGETDIR(program).empty()) return findTool(program, test);
+    const std::string path = os::environment("PATH");
+    for (std::string_view rest = path; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(':'), rest.size());
+        const std::string folder(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (folder.empty()) continue;
+        const std::string found = findTool(FILEADDSEPARATOR(folder) + program, test);
+        if (!found.empty()) return found;
+    }
+    return {};
+}
+
+// Nothing else of its name is there.
+bool isEmptyProgram(const std::string& program) {
+    return !findProgram(program, isEmpty).empty();
+}
+
+// ---- lines ----
 
 // What a line says: the arguments, and behind them which file stands at each mark.
 struct CommandLine {
     std::vector<std::string> arguments;
     ExecFiles files;
-    bool good = true;  // each mark once, and just one file behind it
+    bool good = true;    // each mark once, and just one file behind it
+    bool closed = true;  // every quote
 };
 
 // The next '<' or '>' that stands alone outside of quotes, from `from` on; the end of the line if there is
@@ -60,6 +97,7 @@ std::size_t findMark(std::string_view line, std::size_t from) {
 
 CommandLine parseCommandLine(std::string_view line) {
     CommandLine command;
+    command.closed = std::count(line.begin(), line.end(), '"') % 2 == 0;
     std::size_t mark = findMark(line, 0);
     command.arguments = SPLITARGUMENTS(line.substr(0, mark));
     while (mark < line.size()) {
@@ -121,6 +159,13 @@ std::int32_t findFault(const std::string& program, const std::vector<std::string
     return 0;
 }
 
+// The same of a line.
+std::int32_t findFault(const std::string& program, const CommandLine& command) {
+    if (!isProgramName(program) || holdsNul(command.arguments) || !command.closed)
+        return ERR_EXEC_COMMAND_LINE;
+    return command.good ? 0 : std::int32_t{ERR_EXEC_OUTPUT_FILE};
+}
+
 struct Started {
     std::unique_ptr<os::Child> child;  // null, with the code, if the program was not started
     std::int32_t code = 0;
@@ -131,7 +176,8 @@ Started start(const std::string& program, const std::vector<std::string>& argume
     if (const std::int32_t fault = findFault(program, arguments, folder, files)) return {nullptr, fault};
     os::StartRequest request;
     request.program = detail::FindProgram(program);
-    if (request.program.empty()) return {nullptr, ERR_EXEC_NOT_FOUND};
+    if (request.program.empty())
+        return {nullptr, isEmptyProgram(program) ? ERR_EXEC_FORMAT : ERR_EXEC_NOT_FOUND};
     request.arguments = arguments;
     request.folder = os::native(folder);
     request.outputFile = os::native(files.output);
@@ -199,25 +245,11 @@ void waitDisabled(os::Child& child, const std::string& name, ExecResult& result,
 std::string FINDTOOL(const std::string& path) {
     FRAME(FINDTOOL);
     STAMP();
-    const std::string name = os::native(path);
-    if (hasContent(name)) return name;
-    if (!STREQUAL(FILEGETEXT(name), ".exe")) return {};
-    const std::string bare = FILECHANGEEXT(name, "");
-    return !FILEBASENAME(bare).empty() && hasContent(bare) ? bare : std::string();
+    return findTool(path, hasContent);
 }
 
 std::string detail::FindProgram(const std::string& program) {
-    if (!FILEGETDIR(program).empty()) return FINDTOOL(program);
-    const std::string path = os::environment("PATH");
-    for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        const std::string folder(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (folder.empty()) continue;
-        const std::string found = FINDTOOL(FILEADDSEPARATOR(folder) + program);
-        if (!found.empty()) return found;
-    }
-    return {};
+    return findProgram(program, hasContent);
 }
 
 bool detail::StartProgram(const std::string& program, const std::vector<std::string>& arguments) {
@@ -235,8 +267,8 @@ ExecResult EXEC(const std::string& program, const std::string& arguments, int mo
     FRAME(EXEC);
     const CommandLine command = parseCommandLine(arguments);
     STAMP();
-    if (isProgramName(program) && !holdsNul(command.arguments) && !command.good) {
-        SetError(ERR_EXEC_OUTPUT_FILE);
+    if (const std::int32_t fault = findFault(program, command)) {
+        SetError(fault);
         return {};
     }
     return EXEC(program, command.arguments, mode, folder, command.files);
@@ -271,8 +303,8 @@ std::unique_ptr<os::Child> EXECPIPED(const std::string& program, const std::stri
     FRAME(EXECPIPED);
     const CommandLine command = parseCommandLine(arguments);
     STAMP();
-    if (isProgramName(program) && !holdsNul(command.arguments) && !command.good) {
-        SetError(ERR_EXEC_OUTPUT_FILE);
+    if (const std::int32_t fault = findFault(program, command)) {
+        SetError(fault);
         return nullptr;
     }
     Started started = start(program, command.arguments, folder, command.files, true);

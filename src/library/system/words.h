@@ -33,7 +33,7 @@ std::string STRTOIDENTIFIER(std::string_view text, std::string_view firstSet, st
 // and "_1" behind words that are reserved, now or for later; an empty name becomes "n". A name stands in
 // double quotes or brackets, or ends where the line's reader ends it, or, with blanks in it, at " : ", or
 // else at the first blank. Closing lines stay as they are, in any case. With `dropDeleteFlag` lines
-// "delete_flag : Tchar" are left out.
+// "delete_flag : Tchar" are left out. A CR at the end of a line goes.
 std::string TYPEINFOFIXIDENTIFIERS(std::string_view text, int maxLength, bool dropDeleteFlag = false);
 // By the second form above without a first set, and "_1" behind words that are reserved now. Lines without
 // " : " behind the name, and "delete_flag : Tchar", stay as they are.

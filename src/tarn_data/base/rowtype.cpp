@@ -60,7 +60,7 @@ Problem checkLines(const std::string& file, std::string_view text) {
         const TypeInfoElement element = TypeInfoParseLine(text, n);
         const bool table = n == 1 && ascii::equal(element.typeName, "table");
         if (element.isEnd() || table || IsValueKind(TypeInfoKind(element.typeName))) continue;
-        return {fileWord(file) + "line " + std::to_string(n) + " of the declaration is none: '" +
+        return {fileWord(file) + "declares nothing in line " + std::to_string(n) + ": '" +
                     std::string(ascii::withoutLineEnd(TypeInfoLine(text, n))) + "'.",
                 "A line is: name : type; docs/formats/typeinfo.md tells the types."};
     }

@@ -24,6 +24,12 @@ void appendEscaped(std::string& text, std::string_view bytes) {
 
 }  // namespace
 
+std::string counted(std::int64_t n, std::string_view one, std::string_view many) {
+    const std::string number = std::to_string(n) + " ";
+    if (n == 1) return number + std::string(one);
+    return many.empty() ? number + std::string(one) + "s" : number + std::string(many);
+}
+
 std::string shown(std::string_view text) {
     std::string made;
     for (std::size_t i = 0; i < text.size();) {

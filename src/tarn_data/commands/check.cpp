@@ -9,6 +9,7 @@
 #include "kernel/tables/tables_file_check.h"
 #include "kernel/tables/tables_file_guard.h"
 #include "os/paths.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/commands/check_internal.h"
 #include "tarn_data/commands/commands.h"
 
@@ -43,10 +44,6 @@ std::string Findings::text(const std::string& file, const std::string& contents)
 }
 
 namespace {
-
-std::string counted(std::int64_t n, const char* what) {
-    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
-}
 
 // ---- indexes ----
 
@@ -109,8 +106,7 @@ void checkIndexes(const std::string& file, const std::vector<IndexBeside>& index
 std::string indexCount(const std::vector<IndexBeside>& indexes) {
     const auto count = std::count_if(indexes.begin(), indexes.end(),
                                      [](const IndexBeside& index) { return index.owner.empty(); });
-    if (count == 0) return {};
-    return ", " + std::to_string(count) + (count == 1 ? " index" : " indexes");
+    return count == 0 ? std::string() : ", " + counted(count, "index", "indexes");
 }
 
 // Those that a user misses: behind the last that is there, nothing tells of them.
@@ -243,7 +239,8 @@ int checkTable(const std::string& file, const Arguments& arguments) {
                  findings);
     if (stopSignal() != 0) return tell(stoppedProblem());
     checkGuarded(file, type, indexes, findings);
-    return findings.print(file, counted(facts.rows(), "row") + indexCount(indexes));
+    const std::string beside = indexCount(indexes);
+    return findings.print(file, counted(facts.rows(), "row") + (beside.empty() ? ", no index" : beside));
 }
 
 }  // namespace

@@ -85,9 +85,9 @@ public:
                                               std::to_string(header_.headerSize) + ".");
         const std::int64_t whole = file_.whole(), counted = file_.counted();
         if (counted != whole)
-            findings_.fault(name_, "Its header counts " + std::to_string(counted) +
-                                       (counted == 1 ? " row" : " rows") + ", and it has " +
-                                       std::to_string(whole) + (whole == 1 ? " whole one." : " whole ones."));
+            findings_.fault(name_, "Its header counts " + datatool::counted(counted, "row") +
+                                       ", and it has " + std::to_string(whole) +
+                                       (whole == 1 ? " whole one." : " whole ones."));
         checkNote(name_, file_.note(), file_.replacing(), findings_);
         if (file_.behind() != 0 && file_.note().offset < 0)
             findings_.fault(name_, "It has " + bytes(file_.behind()) + " behind its whole rows.");
@@ -203,8 +203,7 @@ int checkXbase(const Arguments& arguments) {
     problem = checkXbaseIndexes(arguments, xbase, findings, indexes);
     if (problem.any()) return tell(problem);
     if (stopSignal() != 0) return tell(stoppedProblem());
-    return findings.print(file,
-                          std::to_string(xbase.rows()) + (xbase.rows() == 1 ? " row" : " rows") + indexes);
+    return findings.print(file, counted(xbase.rows(), "row") + indexes);
 }
 
 }  // namespace tarn::datatool

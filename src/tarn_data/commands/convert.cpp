@@ -187,7 +187,7 @@ Problem copyValues(Conversion& c) {
 }
 
 void tellWhatIsLeftOut(const Source& source) {
-    const auto rows = [](std::int32_t n) { return std::to_string(n) + (n == 1 ? " row" : " rows"); };
+    const auto rows = [](std::int32_t n) { return counted(n, "row"); };
     if (source.deletedRows > 0 && !source.deleted)
         note(rows(source.deletedRows) + " marked as deleted in '" + source.file +
              "' left out; --deleted takes them, too.");

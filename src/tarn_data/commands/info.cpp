@@ -171,9 +171,12 @@ Problem xbaseRows(const std::string& name, XbaseFile& file, std::string& text) {
     }
     text = std::to_string(file.rows());
     if (deleted > 0) text += " (" + std::to_string(deleted) + " marked as deleted)";
-    if (file.counted() != file.whole() || file.behind() != 0)
+    const bool other = file.counted() != file.whole();
+    if (other)
         text += "; the header counts " + std::to_string(file.counted()) + ", and the file has " +
-                std::to_string(file.whole()) + seeCheck;
+                std::to_string(file.whole()) + (file.behind() == 0 ? seeCheck : "");
+    if (file.behind() > 0) text += " and " + counted(file.behind(), "byte") + seeCheck;
+    if (file.behind() < 0) text += "; the header is not whole" + std::string(seeCheck);
     return file.error() == os::FileError::None ? Problem() : unreadable(name, file.error());
 }
 
@@ -201,8 +204,7 @@ int infoTable(const std::string& file, const std::string& typeFile) {
     if (problem.any()) return tell(problem);
     const bool plain = type.capacity == UNBOUNDED;
     std::string rows = std::to_string(facts.rows());
-    if (facts.behind != 0)
-        rows += " and " + std::to_string(facts.behind) + (facts.behind == 1 ? " byte" : " bytes") + seeCheck;
+    if (facts.behind != 0) rows += " and " + counted(facts.behind, "byte") + seeCheck;
     if (facts.counted > facts.whole)
         rows += "; the header counts " + std::to_string(facts.counted) + seeCheck;
     return print(line("file", file) +

@@ -122,10 +122,10 @@ void noteOddRows(const Source& source, const RowsFacts& facts) {
              "such cells "
              "are taken as they stand, quotes and all.");
     if (facts.blankLines != 0)
-        note(std::to_string(facts.blankLines) + (facts.blankLines == 1 ? " line" : " lines") + " of '" +
-             shown(source.file) + "' behind an empty one with separators and blanks alone left out.");
+        note(counted(facts.blankLines, "line") + " of '" + shown(source.file) +
+             "' behind an empty one with separators and blanks alone left out.");
     if (facts.ragged == 0) return;
-    const auto cells = [](std::size_t n) { return std::to_string(n) + (n == 1 ? " cell" : " cells"); };
+    const auto cells = [](std::size_t n) { return counted(static_cast<std::int64_t>(n), "cell"); };
     note("Row " + std::to_string(facts.firstRagged) + " of '" + shown(source.file) + "' has " +
          cells(facts.raggedCells) + ", and the first line has " + std::to_string(facts.usualCells) +
          (facts.ragged == 1 ? "." : "; there are " + std::to_string(facts.ragged) + " such rows.") +

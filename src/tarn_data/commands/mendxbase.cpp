@@ -82,8 +82,7 @@ std::string damageReport(const Patient& patient) {
     std::string text;
     const auto line = [&](const std::string& what) { text += patient.name + ": " + what + "\n"; };
     if (damage.headerShort > 0)
-        line(std::to_string(damage.headerShort) + (damage.headerShort == 1 ? " byte" : " bytes") +
-             " at the end of its header missing: written.");
+        line(counted(damage.headerShort, "byte") + " at the end of its header missing: written.");
     else if (damage.endAt > 0)
         line("its list of fields had no end (a byte 13): written.");
     std::int64_t zeros = 0;
@@ -95,8 +94,7 @@ std::string damageReport(const Patient& patient) {
                  "' where its mark of deletion stands: set to a blank, so that the row counts.");
     }
     if (zeros > 0)
-        line(std::to_string(zeros) + (zeros == 1 ? " row" : " rows") +
-             " had a zero byte where a mark of deletion stands: set to a blank.");
+        line(counted(zeros, "row") + " had a zero byte where a mark of deletion stands: set to a blank.");
     return text;
 }
 

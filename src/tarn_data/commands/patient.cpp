@@ -4,6 +4,7 @@
 #include "kernel/index/index_filecheck.h"
 #include "kernel/tables/tables.h"
 #include "kernel/tables/tables_file_guard.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/commands/check_internal.h"
 
 #include <algorithm>
@@ -127,7 +128,7 @@ Problem fitsOtherCapacity(const Patient& patient, bool& fits) {
 }
 
 Problem otherCapacity(const Patient& patient) {
-    const std::string behind = std::to_string(patient.behind) + (patient.behind == 1 ? " byte" : " bytes");
+    const std::string behind = counted(patient.behind, "byte");
     if (patient.type.capacity == UNBOUNDED)
         return {fileWord(patient.name) + "has " + behind +
                     " behind its whole rows, and looks like a table with a capacity, whose rows begin behind "

@@ -12,6 +12,7 @@
 #include "kernel/tables/tables_file_places.h"
 #include "os/paths.h"
 #include "os/savestream.h"
+#include "tarn_data/base/shown.h"
 #include "tarn_data/commands/patient.h"
 
 #include <algorithm>
@@ -19,10 +20,6 @@
 namespace tarn::datatool {
 
 namespace {
-
-std::string counted(std::int64_t n, const char* what) {
-    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
-}
 
 // ---- mending ----
 
@@ -105,9 +102,11 @@ std::string report(const Patient& patient, const RebuiltTable& result, const std
         line("row " + std::to_string(mended.rowWritten) + " was being replaced: replaced.");
     if (mended.bytesCut > 0 && mended.rowWritten == 0) {
         const bool torn = mended.bytesCut == patient.behind && !shown.empty();
+        const std::string kept =
+            (mended.bytesCut == 1 ? "; it stands in '" : "; they stand in '") + shown + "'.";
         line(counted(mended.bytesCut, "byte") + " behind the " +
              (patient.xbase.padding > 0 ? "mark of the end" : "last whole row") + " cut off" +
-             (torn ? "; they stand in '" + shown + "'." : "."));
+             (torn ? kept : "."));
     }
     if (mended.rowsTaken > 0)
         line(counted(mended.rowsTaken, "row") + " behind those that the header counted taken in.");

@@ -55,8 +55,7 @@ private:
             note("The texts of '" + shown(source_.file) + "' are in " + page +
                  ", as its header says, and are taken byte for byte.");
         if (oddMarks_ > 0)
-            note(std::to_string(oddMarks_) + (oddMarks_ == 1 ? " row" : " rows") + " of '" +
-                 shown(source_.file) +
+            note(counted(oddMarks_, "row") + " of '" + shown(source_.file) +
                  "' without a mark of deletion taken, too; 'tarn-data check' tells which.");
     }
     [[nodiscard]] std::string typeOf(std::int32_t n) const {

@@ -11,7 +11,7 @@
 
 namespace tarn::datatool {
 
-Problem unwritable(const std::string& file, const std::string& why);
+Problem unwritable(const std::string& file, std::string_view why);
 Problem stoppedAhead(const std::string& file);  // of the replacing
 
 // A file that comes in pieces, and takes the target's place when all of it is there.

@@ -75,10 +75,16 @@ Problem chooseTarget(const std::string& file, const Arguments& arguments, Target
     return {};
 }
 
-Problem unwritable(const std::string& file, const std::string& why) {
-    return {"File '" + file + "' cannot be written: " + why + ".",
-            "Look whether its folder is there and may be written, and whether the disk has room. The file is "
-            "as it was."};
+Problem unwritable(const std::string& file, std::string_view why) {
+    const os::FileInfo info = os::infoOf(os::native(file));
+    if (why.ends_with('.')) why.remove_suffix(1);
+    const std::string what = fileWord(file) + "cannot be written: ";
+    if (info.exists && !info.folder && !info.special && !info.writable)
+        return {what + "it is protected against writing.",
+                "Allow it with chmod u+w, or choose another name. The file is as it was."};
+    return {what + std::string(why) + ".",
+            "Look whether its folder is there and may be written, and whether the disk has room. " +
+                std::string(info.exists ? "The file is as it was." : "No file was made.")};
 }
 
 Problem stoppedAhead(const std::string& file) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Rows into table files. Rows and indexes are made under a name beside the target first. Then the old indexes
-// go, the rows take the place of the old ones, and the new indexes follow: a death in between leaves whole
-// rows, of one or of the other table, that lack indexes.
+// Rows into table files. Rows and indexes are made under a name beside the target first. Then the new indexes wait under the
+// names of those that step aside (orders.~i1), the old ones go, the rows take the place of the old ones, and the new indexes
+// theirs. A death in between leaves whole rows, of one or of the other table, and beside them what tells `check` that indexes
+// are missing, and `rebuild` their keys.
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/index/index_file.h"
 #include "kernel/run/errorcell.h"
@@ -77,9 +78,11 @@ class NewTable {
 public:
     explicit NewTable(const Target& target) : target_(target) {}
     ~NewTable() {
-        if (!path_.empty()) {
+        if (path_.empty()) return;
+        try {
             os::files().remove(path_);
             RemoveIndexFiles(path_);
+        } catch (...) {  // the end of the process, in a test
         }
     }
     NewTable(const NewTable&) = delete;
@@ -98,10 +101,14 @@ private:
         ClearError();
         return unwritable(target_.file, ErrorMessage(code));
     }
-    Problem failed(os::FileError error) const {
-        return unwritable(target_.file, std::string(os::describe(error)));
-    }
+    Problem failed(os::FileError error) const { return unwritable(target_.file, os::describe(error)); }
     bool makePath();
+    Problem indexesWait();
+    Problem indexesFollow();
+    [[nodiscard]] std::int32_t indexes() const { return static_cast<std::int32_t>(keys_.size()); }
+    [[nodiscard]] std::string waitingName(std::int32_t number) const {
+        return asideName(IndexFileName(place_.path, number));
+    }
 
     const Target& target_;
     os::SaveTarget place_;
@@ -189,23 +196,41 @@ Problem NewTable::makeIndexes() {
     return result.error == 0 ? Problem() : unwritable(target_.file, ErrorMessage(result.error));
 }
 
+// Nothing of the old table is gone yet.
+Problem NewTable::indexesWait() {
+    for (std::int32_t n = 1; n <= indexes(); ++n) {
+        if (RenameIndexFile(IndexFileName(path_, n), waitingName(n), place_.path)) continue;
+        Problem problem = failed();
+        for (; n > 1; --n) os::files().remove(waitingName(n - 1));
+        return problem;
+    }
+    return {};
+}
+
+Problem NewTable::indexesFollow() {
+    for (std::int32_t n = 1; n <= indexes(); ++n) {
+        const os::FileError error = os::files().rename(waitingName(n), IndexFileName(place_.path, n));
+        if (error == os::FileError::None) continue;
+        Problem problem = failed(error);
+        problem.next = "The rows are all there; 'tarn-data rebuild' makes the indexes.";
+        return problem;
+    }
+    return {};
+}
+
 Problem NewTable::takePlace() {
     os::FileError error = os::FileError::None;
     if (stopSignal() != 0) return stoppedAhead(target_.file);
-    if (!AcceptIndexPlaces(place_.path, static_cast<std::int32_t>(keys_.size()))) return failed();
+    if (!AcceptIndexPlaces(place_.path, indexes())) return failed();
     if (place_.info.exists) error = os::takeOver(place_.info, path_);
     if (error != os::FileError::None) return failed(error);
-    RemoveIndexFiles(place_.path);
+    Problem problem = indexesWait();
+    if (problem.any()) return problem;
+    RemoveIndexFiles(place_.path, indexes());
     error = os::files().rename(path_, place_.path);
     if (error != os::FileError::None) return failed(error);
-    for (std::size_t n = 1; n <= keys_.size(); ++n) {
-        const auto number = static_cast<std::int32_t>(n);
-        const std::string from = IndexFileName(path_, number), to = IndexFileName(place_.path, number);
-        if (RenameIndexFile(from, to, place_.path)) continue;
-        Problem problem = failed();
-        problem.next = "The rows are all there; 'tarn-data rebuild' with --keys makes the indexes.";
-        return problem;
-    }
+    problem = indexesFollow();
+    if (problem.any()) return problem;
     os::files().syncFolder(std::string(paths::folder(place_.path)));
     path_.clear();
     return {};

@@ -36,7 +36,7 @@ void appendQuoted(std::string& line, std::string_view text) {
 }
 
 std::string rowCount(std::int64_t rows) {
-    return "(" + std::to_string(rows) + (rows == 1 ? " row" : " rows") + " affected)";
+    return "(" + counted(rows, "row") + " affected)";
 }
 
 class DelimitedTarget : public CellTarget {

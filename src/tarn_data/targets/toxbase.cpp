@@ -153,15 +153,14 @@ private:
             note(start + "is written as text: a dbf file holds no exponents and signs of plus, and at most " +
                  std::to_string(numberWidth) + " digits.");
         if (field.type != 'C' && column.nullWords > 0)
-            note(start + "has " + std::to_string(column.nullWords) + " cells of NULL, which are left blank" +
+            note(start + "has " + counted(column.nullWords, "cell") + " of NULL, left blank" +
                  first(column.nullWord));
         if (field.type == 'C' && column.blankEnds > 0)
-            note(start + "has " + std::to_string(column.blankEnds) +
-                 " texts with blanks at their end, which a dbf file does not keep" + first(column.blankEnd));
+            note(start + "has " + counted(column.blankEnds, "text") +
+                 " with blanks at the end, which a dbf file does not keep" + first(column.blankEnd));
         if (field.type != 'C' && column.blanksAround > 0)
-            note(start + "has " + std::to_string(column.blanksAround) +
-                 " cells with blanks around what they hold, which a dbf file does not keep" +
-                 first(column.blankAround));
+            note(start + "has " + counted(column.blanksAround, "cell") +
+                 " with blanks around the value, which a dbf file does not keep" + first(column.blankAround));
         const CellExample& truth = column.oddTruth;
         if (field.type == 'L' && truth.row != 0)
             note(start + "is written as T and F, for True and False, like '" + shownCell(truth.text) +

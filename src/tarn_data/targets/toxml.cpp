@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Rows of cells as XML: an element for each row, in it one for each column, whose attribute tells the type
-// that all cells of the column have. The cells are those of the source, byte for byte.
+// that all cells of the column have. The cells are those of the source, byte for byte; an empty one of a column that is no
+// text is an element without content, as programs of the system read no value of such a type in an empty text.
 #include "kernel/data/datafile.h"
 #include "kernel/data/typeinfo/typeinfo.h"
 #include "kernel/data/xml/xml_reader.h"
@@ -34,15 +35,30 @@ std::string typeWord(const ColumnFacts& column) {
     }
 }
 
+// What a program's load makes of NULL in a column that is no text; "" for a text.
+std::string_view readingOf(CellClass type) {
+    switch (type) {
+    case CellClass::Boolean: return "gets the error 981";
+    case CellClass::Integer: return "reads 0";
+    case CellClass::Fixed: return "gets the error 984";
+    case CellClass::Real: return "gets the error 985";
+    case CellClass::Set: return "gets the error 989";
+    default: return {};
+    }
+}
+
 class XmlTarget : public CellTarget {
 public:
     XmlTarget(const Source& source, const Target& target, const TargetColumns& columns)
         : source_(source), target_(target), columns_(columns), out_(target.file) {
         for (std::size_t n = 0; n < columns.names.size(); ++n) {
-            const std::string type =
+            const CellClass type =
+                n < columns.facts.columns.size() ? columns.facts.columns[n].type() : CellClass::Text;
+            const std::string word =
                 n < columns.facts.columns.size() ? typeWord(columns.facts.columns[n]) : "string";
-            starts_.push_back("    <" + columns.names[n] + " type=\"" + type + "\">");
+            starts_.push_back("    <" + columns.names[n] + " type=\"" + word + "\"");
             ends_.push_back("</" + columns.names[n] + ">" + std::string(lineEnd));
+            words_.push_back({readingOf(type), 0, 0, {}});
         }
     }
 
@@ -61,9 +77,7 @@ public:
             Problem problem = fit(number, n);
             if (problem.any()) return problem;
             const std::size_t start = text_.size();
-            text_ += starts_[n];
-            appendEscaped();
-            text_ += ends_[n];
+            append(number, n);
             problem = fitLines(std::string_view(text_).substr(start), number, n);
             if (problem.any()) return problem;
         }
@@ -77,6 +91,7 @@ public:
         if (rows == 0 && !columns_.headings.empty())
             note("There are no rows, and XML names columns in its rows alone: " +
                  shown(joined(columns_.headings)) + " stands nowhere in '" + shown(target_.file) + "'.");
+        for (std::size_t n = 0; n < words_.size(); ++n) noteWords(n);
         if (long_.count > 0)
             note(std::to_string(long_.count) + (long_.count == 1 ? " cell is" : " cells are") +
                  " longer than the " + std::to_string(toldLine) +
@@ -89,6 +104,30 @@ private:
     void line(const std::string& text) { out_.write(text + std::string(lineEnd)); }
     [[nodiscard]] const std::string& nameOf(std::size_t n) const { return columns_.headings[n]; }
 
+    void append(std::int64_t number, std::size_t n) {
+        text_ += starts_[n];
+        Words& words = words_[n];
+        if (!words.reading.empty() && cell_.empty()) {
+            text_.append("/>").append(lineEnd);
+            return;
+        }
+        if (!words.reading.empty() && isNothing(cell_) && words.count++ == 0) {
+            words.row = number;
+            words.cell = cell_;
+        }
+        text_ += '>';
+        appendEscaped();
+        text_ += ends_[n];
+    }
+    void noteWords(std::size_t n) const {
+        const Words& words = words_[n];
+        if (words.count == 0) return;
+        note("Column '" + shown(nameOf(n)) + "': " + counted(words.count, "cell") +
+             (words.count == 1 ? " says" : " say") + " in words that there is nothing (the first in row " +
+             std::to_string(words.row) + ": '" + shownCell(words.cell) +
+             "'). A program that loads the file into such fields " + std::string(words.reading) +
+             "; --null='" + shownCell(words.cell) + "' leaves them empty.");
+    }
     // A carriage return would be read as a line feed.
     void appendEscaped() {
         std::string_view rest = cell_;
@@ -143,7 +182,13 @@ private:
     const Target& target_;
     const TargetColumns& columns_;
     OutFile out_;
-    std::vector<std::string> starts_, ends_;
+    std::vector<std::string> starts_, ends_;  // up to the '>', and from behind the text
+    struct Words {
+        std::string_view reading;  // what a program makes of a word for nothing; "" where it is a text
+        std::int64_t count = 0, row = 0;
+        std::string cell;
+    };
+    std::vector<Words> words_;
     std::string text_, cell_;
     struct Long {
         std::int64_t count = 0, row = 0;

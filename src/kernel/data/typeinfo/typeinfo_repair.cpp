@@ -85,6 +85,7 @@ std::string repaired(std::string_view line, std::string_view replacement) {
     return name.append(split.rest);
 }
 
+// A line is without its CR then.
 template <class Repair>
 std::string repairedText(std::string_view rest, bool dropDeleteFlag, Repair repair) {
     std::string result;
@@ -93,7 +94,8 @@ std::string repairedText(std::string_view rest, bool dropDeleteFlag, Repair repa
         const std::size_t indent = std::min(body.find_first_not_of(" \t"), body.size());
         const std::string_view shown = body.substr(indent);
         if (dropDeleteFlag && isDeleteFlag(shown)) continue;
-        result.append(line.substr(0, indent)).append(repair(shown)).append(line.substr(body.size()));
+        result.append(line.substr(0, indent)).append(repair(shown));
+        if (line.back() == '\n') result += '\n';
     }
     return result;
 }

@@ -135,6 +135,32 @@ TEST_F(TableEnds, AfterADeathAtAnyCallEveryRowComesBack) {
     });
 }
 
+// A program that opens the table can mend it by itself: a row that a deletion had moved stands twice, or an index is the old
+// one.
+TEST_F(TableEnds, ATableThatOpensAfterADeathIsRebuiltWholeWhereItIsOpen) {
+    int opened = 0, damaged = 0;
+    eachOperation([&](const Layout& layout, std::size_t which) {
+        eachDeath(
+            layout, which, endings[0], [] {},
+            [&](bool died, const Rows& after) {
+                end(endings[0]);
+                table = closedTable(layout.maps, layout.maxlength);
+                if (open(layout.file) != 0 || !died) return FileExists(t(), KindTable) ? close() : void();
+                ++opened;
+                if (!CheckTableFile(*t()).empty()) ++damaged;
+                EXPECT_EQ(rebuild(), 0);
+                expectWhole();
+                const Rows now = rows();
+                EXPECT_TRUE(same(now, model_) || same(now, after));
+                close();
+                EXPECT_EQ(look(), "");
+                close();
+            });
+    });
+    EXPECT_GT(opened, 100);
+    EXPECT_GT(damaged, 0);
+}
+
 // It opens as it was or without rows, and needs no mending.
 TEST_F(TableEnds, AfterADeathInAClearingTheTableOpensWhole) {
     for (const Layout& layout : layouts) {

@@ -206,6 +206,15 @@ TEST_F(DataTables, SignsOfAFileThatWasCutOffOrFollowsOtherRulesAreTold) {
         "Line 3 holds a byte 0, at which a cell without quotes ends: what follows in the cell is not shown.");
 }
 
+TEST_F(DataTables, ARowOfOtherTypesIsNamedByItsNumber) {
+    const DataTable data = load("a.csv", "d\n2000-01-31\n2000-02-01\nx\n2000-02-03\n", &header);
+    EXPECT_EQ(data.step, DataTable::Step::Columns);
+    EXPECT_EQ(data.message,
+              "The type of element 'd' changed, from Tdatetime to string\n"
+              "It changed in data row 3. Look whether that cell is right, and whether the header rows and "
+              "the separator are.");
+}
+
 TEST_F(DataTables, XmlOfManyShapesGivesRows) {
     const struct {
         const char *text, *expected;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Programs that are really run, without a screen.
+#include "library/system/piped.h"
 #include "library/system/system.h"
 #include "os/clock.h"
 #include "os/files.h"
@@ -113,6 +114,20 @@ TEST_F(Exec, WhatNoArgumentCanHoldIs906) {
     EXPECT_EQ(takeError(), 906);
 }
 
+// The file behind it would be an argument.
+TEST_F(Exec, AQuoteWithoutItsPartnerIs906AndNothingRuns) {
+    const std::string out = folder / "out";
+    const std::string lines[] = {"\"open > " + out, "a\" b", "\"", "> \"" + out, "\"a\" \"b\"\" > " + out};
+    for (const std::string& line : lines) {
+        EXPECT_FALSE(EXEC(folder / "tell", line, Wait).started) << line;
+        EXPECT_EQ(takeError(), 906) << line;
+        EXPECT_EQ(EXECPIPED(folder / "tell", line, ""), nullptr) << line;
+        EXPECT_EQ(takeError(), 906) << line;
+    }
+    EXPECT_EQ(FileSize(out), -1);
+    EXPECT_TRUE(EXEC(folder / "tell", Arguments{"\""}, Wait).started) << "it is no line";
+}
+
 // ---- what cannot be started ----
 
 TEST_F(Exec, WhatCannotBeStartedHasItsCode) {
@@ -120,6 +135,8 @@ TEST_F(Exec, WhatCannotBeStartedHasItsCode) {
     ASSERT_TRUE(os::saveFile(folder / "text", "just text\n").ok());
     ASSERT_EQ(os::files().setMode(folder / "text", 0755), os::FileError::None);
     ASSERT_TRUE(os::saveFile(folder / "empty", "").ok());
+    ASSERT_EQ(os::files().setMode(folder / "empty", 0755), os::FileError::None);
+    ASSERT_TRUE(os::saveFile(folder / "empty tool", "").ok());
     ASSERT_TRUE(os::saveFile(folder / "damaged", "\x7F"
                                                  "ELF and no more")
                     .ok());
@@ -133,18 +150,12 @@ TEST_F(Exec, WhatCannotBeStartedHasItsCode) {
         std::string program;
         int code;
     };
-    const Case cases[] = {{folder / "none", 901},
-                          {folder / "none/tool", 901},
-                          {folder / "empty", 901},
-                          {folder / "folder", 901},
-                          {"no-program-of-this-name", 901},
-                          {folder / "text", 902},
-                          {folder / "no permission", 908},
-                          {folder / "damaged", 902},
-                          {folder / "lost", 905},
-                          {folder / "written", 905},
-                          {"", 906},
-                          {std::string(PATH_MAX, 'x'), 906}};
+    const Case cases[] = {
+        {folder / "none", 901},           {folder / "none/tool", 901},     {folder / "empty", 902},
+        {folder / "empty tool.exe", 902}, {folder / "folder", 901},        {"no-program-of-this-name", 901},
+        {folder / "text", 902},           {folder / "no permission", 908}, {folder / "damaged", 902},
+        {folder / "lost", 905},           {folder / "written", 905},       {"", 906},
+        {std::string(PATH_MAX, 'x'), 906}};
     for (const int mode : {Wait, WaitEnabled, NoWait}) {
         for (const Case& c : cases) {
             const ExecResult result = EXEC(c.program, "", mode);

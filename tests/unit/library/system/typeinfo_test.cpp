@@ -96,8 +96,8 @@ TEST_F(FixIdentifiers, NamesBecomeIdentifiers) {
         {"a-b:string[4]\n", "a_b:string[4]\n"},
         {"a-b: integer\n", "a_b: integer\n"},
         {" \t x y : real", " \t x_y : real"},
-        {"x y : real\r\n", "x_y : real\r\n"},
-        {"x-y\r\n", "x_y\r\n"},
+        {"x y : real\r\n", "x_y : real\n"},
+        {"x-y\r\n", "x_y\n"},
         {"\"open : real\n", "nopen : real\n"},
         {"[open : real\n", "nopen : real\n"},
         {"\"\" : real\n", "n : real\n"},
@@ -152,12 +152,13 @@ TEST_F(FixIdentifiers, ReservedWordsGetANumber) {
 
 TEST_F(FixIdentifiers, ClosingLinesStayAsTheyAre) {
     for (const std::string line :
-         {"end record\n", "end list\n", "\t\tend table\n", "end union\r\n", "end record", "end\n"})
+         {"end record\n", "end list\n", "\t\tend table\n", "end union\n", "end record", "end\n"})
         EXPECT_EQ(fixed(line), line);
     for (const std::string line :
          {"END RECORD\n", "End list\n", "END\n", "end \n", "\tend\t\n", "end  record\n", "end\trecord\n",
-          "  End \t Union \r\n", "end recordings\n", "END TABLE[3]\n"})
+          "  End \t Union \n", "end recordings\n", "END TABLE[3]\n"})
         EXPECT_EQ(fixed(line), line);
+    EXPECT_EQ(fixed("end union\r\nEnd list\r"), "end union\nEnd list") << "but for a carriage return";
     EXPECT_EQ(fixed("end : record\n"), "end_1 : record\n");
     EXPECT_EQ(fixed("END:list\n"), "END_1:list\n");
     EXPECT_EQ(fixed("END RECORD : integer\n"), "END_RECORD : integer\n");
@@ -222,7 +223,10 @@ TEST_F(FixIdentifiers, WithAReplacementTheNamesBeforeAColonBetweenBlanksBecomeId
         {"order no : string[10]\n", "_", "order_no : string[10]\n"},
         {"order no : string[10]\n", "xy", "orderxno : string[10]\n"},
         {"order no : string[10]\n", "", "orderno : string[10]\n"},
-        {"\ta-b_c : set[1 : 10]\r\n", "_", "\ta_b_c : set[1 : 10]\r\n"},
+        {"\ta-b_c : set[1 : 10]\r\n", "_", "\ta_b_c : set[1 : 10]\n"},
+        {"b c : x\r\n", "_", "b_c : x\n"},
+        {"b c : x\r\nend record\r\ndelete_flag : Tchar\r\n\r\nd e : y\r", "_",
+         "b_c : x\nend record\ndelete_flag : Tchar\n\nd_e : y"},
         {"\"first name\" : string[20]", "_", "first_name : string[20]"},
         {"[first name] : string[20]\n", "_", "first_name : string[20]\n"},
         {"9lives : integer\n", "_", "_9lives : integer\n"},
@@ -347,7 +351,7 @@ TEST_F(FixIdentifiers, AStringThatEndsInALineFeedGivesAnEmptyOneBehindIt) {
     ListValue list;
     fill(list, {"a b : real\n", "e f : real\r\n", ""});
     TYPEINFOFIXIDENTIFIERS(list.get(), 40);
-    const Lines after = {"a_b : real", "", "e_f : real\r", "", ""};
+    const Lines after = {"a_b : real", "", "e_f : real", "", ""};
     EXPECT_EQ(linesOf(list), after);
     TYPEINFOFIXIDENTIFIERS(list.get(), 40);
     EXPECT_EQ(linesOf(list), after);
