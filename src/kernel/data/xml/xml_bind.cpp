@@ -258,23 +258,14 @@ XmlTarget XmlChildren::placeInTable() {
 
 XmlTarget XmlChildren::destination() {
     if (target_.value == nullptr) return {};
-    if (target_.hasFields()) {
-        pass_.toldFields = true;
-        return fields_.next();
-    }
+    if (target_.hasFields()) return fields_.next();
     if (target_.kind == KindList) return listSlot();
     if (target_.kind == KindArray) return arrayElement();
     if (target_.kind == KindTable) return placeInTable();
     for (const auto& row : textKinds)
-        if (row.kind == target_.kind) refuseTags(std::string(row.what).append(insteadOfTags));
+        if (row.kind == target_.kind)
+            XmlReport(pass_, AdtConversionError(row.kind), std::string(row.what).append(insteadOfTags));
     return {};
-}
-
-// The child has no place, so that a table is not of this form.
-void XmlChildren::refuseTags(const std::string& message) {
-    const std::int32_t code = AdtConversionError(target_.kind);
-    XmlReport(pass_, code, message);
-    ReportError(pass_.lost, code, pass_.scan.lineNumber(), pass_.scan.position(), message);
 }
 
 // ---- elements of arrays ----
@@ -401,15 +392,10 @@ void XmlChildren::add(std::int32_t n, std::string_view parent, std::string_view 
         if (code == 0) code = TakeError();
     }
     if (code != 0) report(code, n, parent, child);
-    lone_ =
-        target_.kind == KindTable && outermost_ && n == 1 && !pass_.toldFields ? child : std::string_view();
 }
 
-// A lone child of which nothing is told is a list without rows, rather than a row.
 void XmlChildren::finish() {
-    if (target_.value == nullptr) return;
-    if (!lone_.empty()) XmlNoteLost(pass_, "The content", lone_);
-    if (target_.kind != KindArray) return;
+    if (target_.value == nullptr || target_.kind != KindArray) return;
     const auto& array = *static_cast<const ArrayDescriptor*>(target_.value);
     if (!isGrowable(array) || isShapeless(array)) return;
     for (std::size_t d = 0; d < MaxDimensions; ++d) {

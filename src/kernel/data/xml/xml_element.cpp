@@ -225,9 +225,7 @@ bool XmlStartElement(XmlPass& pass, XmlTarget target, XmlElementResult& result, 
 void XmlElement(XmlPass& pass, XmlTarget target, XmlElementResult& result) {
     const std::size_t name = pass.names.size();
     XmlGivenFields given{target};
-    const bool content = XmlStartElement(pass, target, result, given);
-    pass.toldFields = pass.toldFields || given.count > 0;
-    if (content) {
+    if (XmlStartElement(pass, target, result, given)) {
         std::string found;
         const bool closed = XmlContent(pass, target, given, name, found);
         if (!found.empty()) result.typeText = std::move(found);

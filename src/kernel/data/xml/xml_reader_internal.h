@@ -97,7 +97,6 @@ struct XmlPass {
     ErrorRecord memory{};              // the first failure for want of memory: nothing of this read counts
     bool stopped = false;              // by the user: nothing of this read counts
     bool abandoned = false;            // what follows cannot be read
-    bool toldFields = false;           // an element or attribute was a field of a record
     ErrorRecord lost{};                // the first data that the value has no place for
     std::int32_t depth = 0;            // open elements
     std::string names{};               // of the open elements, and of a child that was just read
@@ -249,7 +248,7 @@ class XmlChildren {
 public:
     XmlChildren(XmlPass& pass, XmlTarget target)
         : pass_(pass), target_(target), fields_(target),
-          form_(pass.depth == 0 ? pass.form : XmlTableForm::Rows), outermost_(pass.depth == 0) {}
+          form_(pass.depth == 0 ? pass.form : XmlTableForm::Rows) {}
     ~XmlChildren();
     XmlChildren(const XmlChildren&) = delete;
     XmlChildren& operator=(const XmlChildren&) = delete;
@@ -277,16 +276,13 @@ private:
     bool extend(const Subscripts& at, std::int32_t dimensions);
     bool redim(const ArrayBounds (&bounds)[MaxDimensions]);
     std::int32_t addToArray(std::int32_t n, std::string_view index);
-    void refuseTags(const std::string& message);
     void report(std::int32_t code, std::int32_t n, std::string_view parent, std::string_view child);
 
     XmlPass& pass_;
     XmlTarget target_;
     XmlFields fields_;
     XmlTableForm form_;
-    bool outermost_;
     bool given_ = false;           // the table has gone to the first child
-    std::string lone_;             // the name of the only row so far, when nothing was told of its fields
     Kind scratchKind_ = KindNone;  // once there is one
     bool holdsTexts_ = false;      // the scratch is a record of numbers and strings
     char bytes_[sizeof(ArrayDescriptor)] = {};
