@@ -200,11 +200,13 @@ ChangeResult writeNote(const Steps& steps, std::string& note) {
     return {error, note, removeNote(note) != FileError::None && infoOf(note).exists};
 }
 
-// Puts the old contents back, the last first; false if that failed too.
+// Puts the old contents back, the last first; false if that failed too. A file that somebody else has made meanwhile in the
+// place of a new one stays.
 bool undo(const Steps& steps, std::size_t done) {
     for (std::size_t i = done; i-- > 0;) {
         Contents now;
         if (read(steps[i].path, now) != FileError::None) return false;
+        if (!steps[i].before && now != steps[i].after) continue;
         if (put(steps[i], now, steps[i].before) != FileError::None) return false;
     }
     return true;

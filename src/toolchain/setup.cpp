@@ -7,7 +7,7 @@
 //     NAME-install.exe --check
 //     uninstall [--quiet]
 //
-// Any other option is told with those that the program has.
+// Any other option is told with those that the program has, and so are options that contradict each other.
 //
 // What stands in front of it in an installer starts it from memory with `--of INSTALLER`: the file that carries it.
 //
@@ -30,39 +30,65 @@ constexpr int Done = 0, Failed = 1, Usage = 2, Left = 3;
 
 volatile std::sig_atomic_t stopped = 0;
 
+constexpr const char* AllOptions = "--quiet, --home, --system, --folder FOLDER, --check";
+
 struct Options {
-    bool quiet = false, check = false, understood = true;
+    bool quiet = false, check = false;
     enum class Place { Ask, Home, System, Folder } place = Place::Ask;
     std::string folder, of;
+    std::string problem;  // why they cannot be followed
 };
+
+// The word of a place that was not named before; else a problem.
+bool takePlace(const std::string& word, Options& options) {
+    using Place = Options::Place;
+    constexpr std::pair<std::string_view, Place> places[] = {
+        {"--home", Place::Home}, {"--system", Place::System}, {"--folder", Place::Folder}};
+    const auto* row = std::find_if(std::begin(places), std::end(places),
+                                   [&](const auto& place) { return place.first == word; });
+    if (row == std::end(places)) return false;
+    if (options.place != Place::Ask)
+        options.problem = "It can be installed in one place only: give one of --home, --system and --folder.";
+    options.place = row->second;
+    return true;
+}
+
+// A folder that is called like an option is more likely a folder that was forgotten.
+bool isFolder(const std::string& word) {
+    return !word.empty() && !word.starts_with("--");
+}
+
+std::string noOption(const std::string& word) {
+    return "There is no option '" + word + "'.";
+}
 
 Options readOptions(const std::vector<std::string>& arguments) {
     using Place = Options::Place;
     Options options;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
+    for (std::size_t i = 0; i < arguments.size() && options.problem.empty(); ++i) {
         const std::string& word = arguments[i];
+        const std::string next = i + 1 < arguments.size() ? arguments[i + 1] : std::string();
         if (word == "--quiet")
             options.quiet = true;
         else if (word == "--check")
             options.check = true;
-        else if (word == "--home")
-            options.place = Place::Home;
-        else if (word == "--of" && i + 1 < arguments.size())
+        else if (word == "--of" && !next.empty())
             options.of = arguments[++i];
-        else if (word == "--system")
-            options.place = Place::System;
-        else if (word == "--folder" && i + 1 < arguments.size() && !arguments[i + 1].empty()) {
-            options.place = Place::Folder;
+        else if (!takePlace(word, options))
+            options.problem = noOption(word);
+        else if (word == "--folder" && !isFolder(next))
+            options.problem = "The folder behind --folder is missing.";
+        else if (word == "--folder")
             options.folder = arguments[++i];
-        } else
-            options.understood = false;
     }
+    if (options.check && options.place != Place::Ask && options.problem.empty())
+        options.problem = "--check installs nothing, so it takes no place.";
     if (options.quiet && options.place == Place::Ask) options.place = Place::Home;
     return options;
 }
 
-int usage(const char* options) {
-    std::fprintf(stderr, "options: %s\n", options);
+int usage(const std::string& problem, const char* options) {
+    std::fprintf(stderr, "%s\noptions: %s\n", problem.c_str(), options);
     return Usage;
 }
 
@@ -148,8 +174,9 @@ int install(const setup::Installer& installer, Options options) {
 int uninstall(const std::string& app) {
     const std::vector<std::string>& words = os::commandLine();
     const bool quiet = !words.empty();
-    if (std::any_of(words.begin(), words.end(), [](const std::string& word) { return word != "--quiet"; }))
-        return usage("--quiet");
+    const auto other =
+        std::find_if(words.begin(), words.end(), [](const std::string& word) { return word != "--quiet"; });
+    if (other != words.end()) return usage(noOption(*other), "--quiet");
     const std::string name = setup::installedName(app);
     setup::User user(quiet);
     const std::string title = "Uninstall " + name;
@@ -195,7 +222,7 @@ int main(int argc, char** argv) {
     if (os::nameOf(own) == setup::UninstallName &&
         setup::checkInstaller(own, layout) == setup::Whole::NoPackage)
         return uninstall(os::folderOf(own));
-    if (!options.understood) return usage("--quiet, --home, --system, --folder FOLDER, --check");
+    if (!options.problem.empty()) return usage(options.problem, AllOptions);
     const std::string self = options.of.empty() ? own : options.of;
     const setup::Whole whole = setup::checkInstaller(self, layout);
     if (whole != setup::Whole::Yes || !setup::openInstaller(self, layout, installer).empty())

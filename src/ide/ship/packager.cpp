@@ -9,6 +9,7 @@
 #include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
+#include "library/ship/workfolder.h"
 #include "library/system/system.h"
 
 MODULE("progmenu", tarn::TOOL_ONERROR)
@@ -101,8 +102,9 @@ std::string packager::filesOf(const Object& window) {
 void packager::setFiles(const Object& window, const std::string& files) {
     FRAME(PACKAGER_SETFILES);
     STAMP();
-    SetArrayValue(window, FilesValue, files);
-    LISTBOXADDFILES(rowsOf(window), files);
+    const std::string each = FILELISTONCE(files);
+    SetArrayValue(window, FilesValue, each);
+    LISTBOXADDFILES(rowsOf(window), each);
     SetCaption(FINDCONTROL(window, "label2"), "&Files (" + STR(LISTBOXCOUNTFILES(rowsOf(window))) + "):");
     STAMP();
 }
@@ -122,6 +124,7 @@ void PACKAGERDIALOG(const Object& owner, const std::string& mainClass, const std
     STAMP();
     Load(PackagerDlg);
     STAMP();
+    ship::REMOVEDEADWORK(FILEGETDIR(mainClass));  // where most of what is made goes
     SetArrayValue(PackagerDlg, MainClassValue, mainClass);
     SetCaption(FINDCONTROL(PackagerDlg, "label1"), text);
     packager::setFiles(PackagerDlg, files);

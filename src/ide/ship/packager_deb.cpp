@@ -9,10 +9,13 @@
 #include "ide/shell/windowtable.h"
 #include "ide/ship/packager.h"
 #include "ide/ship/packager_internal.h"
+#include "kernel/run/fileerrors.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
 #include "library/ship/copyutil.h"
 #include "library/system/system.h"
+#include "os/files.h"
+#include "os/text/initext.h"
 
 MODULE("progmenu", tarn::TOOL_ONERROR)
 
@@ -52,22 +55,50 @@ std::string manyLines(const std::string& text) {
     return lines;
 }
 
+void tell(const std::string& text) {
+    MsgBox(GetCaption(PackagerDlg), text, "OK", BoxIcon::Error);
+}
+
+// What was kept. A file that is not there yet is empty; one that cannot be read is told.
+std::string keptText(const std::string& file) {
+    std::string text;
+    const os::FileError error = os::readFile(file, text);
+    if (error != os::FileError::None && !IsMissing(error))
+        tell("What was entered for an earlier package could not be read from '" + file +
+             "': " + std::string(os::describe(error)) +
+             "\nThe properties of the program are proposed. Check that you may read the file.");
+    return text;
+}
+
 // What was kept, else what the properties of the program say.
 DebFields proposed(const std::string& mainClass) {
     const VersionFields version = packager::versionOf(mainClass);
     DebFields fields{DEBNAME(FILEBASENAME(mainClass)), DEBVERSION(version.version),
                      PROFILESTRGET(GETIDEINIFILE(), MaintainerSection, MaintainerKey), version.description,
                      version.comments};
-    const std::string file = keptIn(mainClass);
+    const std::string text = keptText(keptIn(mainClass));
     for (const Field& field : fieldTable)
-        if (const std::string kept = PROFILESTRGET(file, Section, field.key); !kept.empty())
+        if (const std::string kept(ini::get(text, Section, field.key)); !kept.empty())
             fields.*field.value = manyLines(kept);
     return fields;
 }
 
+// Nothing is written over what cannot be read.
+os::FileError keepIn(const std::string& file, const DebFields& fields) {
+    std::string text;
+    const os::FileError error = os::readFile(file, text);
+    if (error != os::FileError::None && !IsMissing(error)) return error;
+    const std::string before = text;
+    for (const Field& field : fieldTable) ini::put(text, Section, field.key, oneLine(fields.*field.value));
+    return text == before ? os::FileError::None : os::saveFile(file, text).error;
+}
+
 void keep(const std::string& mainClass, const DebFields& fields) {
-    for (const Field& field : fieldTable)
-        PROFILESTRPUT(keptIn(mainClass), Section, field.key, oneLine(fields.*field.value));
+    const std::string file = keptIn(mainClass);
+    if (const os::FileError error = keepIn(file, fields); error != os::FileError::None)
+        tell("What was entered could not be kept in '" + file + "': " + std::string(os::describe(error)) +
+             "\nThe package is made all the same, but the next time it must be entered again. To have it "
+             "kept, copy the program to a folder that you may write, or make room on its disk.");
     PROFILESTRPUT(GETIDEINIFILE(), MaintainerSection, MaintainerKey, fields.maintainer);
 }
 

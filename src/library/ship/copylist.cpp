@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <set>
 
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
 
@@ -28,15 +29,35 @@ std::int64_t roundedUp(std::int64_t size, std::int64_t unit) {
     return rest == 0 ? size : size - rest + unit;
 }
 
-// The paths of a list, empty lines left out.
-std::vector<std::string> pathsOf(std::string_view files) {
-    std::vector<std::string> paths;
+// Two paths of one name that lead to one file. (A file under two names is two.)
+bool isSameFile(const std::string& one, const std::string& other) {
+    if (one == other) return true;
+    const os::FileInfo a = os::infoOf(os::native(one)), b = os::infoOf(os::native(other));
+    return a.exists && b.exists && a.device == b.device && a.inode == b.inode;
+}
+
+// The lines of a list that have a path, those of a file that was there already left out. What was is asked of the disk only
+// for files of one name.
+template <class Take>
+void eachFile(std::string_view files, const Take& take) {
+    std::map<std::string, std::vector<std::string>> byName;
     while (!files.empty()) {
         const std::size_t end = std::min(files.find('\n'), files.size());
-        std::string path = COPYPATH(files.substr(0, end));
-        if (!path.empty()) paths.push_back(std::move(path));
+        const std::string_view line = files.substr(0, end);
         files.remove_prefix(std::min(end + 1, files.size()));
+        const std::string path = COPYPATH(line);
+        std::vector<std::string>& known = byName[FILEGETFNAME(path)];
+        if (path.empty() || std::any_of(known.begin(), known.end(),
+                                        [&](const std::string& one) { return isSameFile(one, path); }))
+            continue;
+        known.push_back(path);
+        take(line, path);
     }
+}
+
+std::vector<std::string> pathsOf(std::string_view files) {
+    std::vector<std::string> paths;
+    eachFile(files, [&](std::string_view, const std::string& path) { paths.push_back(path); });
     return paths;
 }
 
@@ -88,6 +109,13 @@ std::string STRPLURAL(int count) {
     return count == 1 ? "" : "s";
 }
 
+std::string FILELISTONCE(const std::string& files) {
+    FRAME(FILELISTONCE);
+    std::string lines;
+    eachFile(files, [&](std::string_view line, const std::string&) { lines.append(line) += '\n'; });
+    return lines;
+}
+
 std::string GETEXTNFILELIST(const std::string& files, std::string_view extension) {
     FRAME(GETEXTNFILELIST);
     std::string found;
@@ -99,10 +127,7 @@ std::string GETEXTNFILELIST(const std::string& files, std::string_view extension
 std::string SAMENAMEDFILES(const std::string& files) {
     FRAME(SAMENAMEDFILES);
     std::map<std::string, std::vector<std::string>> byName;
-    for (const std::string& path : pathsOf(files)) {
-        std::vector<std::string>& paths = byName[FILEGETFNAME(path)];
-        if (std::find(paths.begin(), paths.end(), path) == paths.end()) paths.push_back(path);
-    }
+    for (const std::string& path : pathsOf(files)) byName[FILEGETFNAME(path)].push_back(path);
     std::string same;
     for (const auto& [name, paths] : byName)
         if (paths.size() > 1)
@@ -166,25 +191,31 @@ std::string FILELISTLINES(const std::string& files) {
     return lines;
 }
 
-std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go,
-                         void* context) {
-    FRAME(FILECOPYLIST);
+CopyFailure COPYFILES(const std::string& files, const std::string& folder, CopyProgress go, void* context) {
+    FRAME(COPYFILES);
     const std::vector<std::string> paths = pathsOf(files);
-    std::string failed;
-    std::map<std::string, std::string>
-        copied;  // by the name: a second file would take the place of the first
+    CopyFailure failed;
+    std::set<std::string> names;  // a second file of one name would take the place of the first
     bool goesOn = true;
     std::int64_t done = 0;
     for (const std::string& path : paths) {
         STAMP();
         goesOn = goesOn && (go == nullptr || go(context, done++, static_cast<std::int64_t>(paths.size())));
         const std::string name = FILEGETFNAME(path);
-        const bool mayBe = copied.emplace(name, path).first->second == path;
-        if (goesOn && mayBe && COPYANYFILE(path, FILEADDSEPARATOR(folder) + name)) continue;
+        const bool isFirst = names.insert(name).second;
+        if (goesOn && isFirst && COPYANYFILE(path, FILEADDSEPARATOR(folder) + name)) continue;
+        if (failed.code == 0) failed.code = ErrorCell();
         ClearError();
-        failed += path + "\n";
+        failed.files += path + "\n";
     }
     return failed;
+}
+
+std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go,
+                         void* context) {
+    FRAME(FILECOPYLIST);
+    STAMP();
+    return COPYFILES(files, folder, go, context).files;
 }
 
 std::string FILEDELETELIST(const std::string& files) {

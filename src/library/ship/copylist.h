@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Lists of files that are to be copied somewhere. A list is a text with a line for each file: its path, which ends at
-// the first tab, and whatever else stands behind it. Functions that touch the disk leave no error in the cell: what
+// the first tab, and whatever else stands behind it. A file that is listed twice, be it by two paths that end in the same
+// name, counts once, where it stands first. Functions that touch the disk leave no error in the cell: what
 // they could not do is in their result.
 #pragma once
 
@@ -36,6 +37,7 @@ struct CopyList {
 std::string COPYPATH(std::string_view line);  // the path of a line
 std::string STRSORT(std::string_view text);   // the lines in the order of their bytes, each with its line end
 std::string STRPLURAL(int count);             // "s", nothing for 1
+std::string FILELISTONCE(const std::string& files);  // the lines of a list, each file once; no empty ones
 std::string GETEXTNFILELIST(const std::string& files,
                             std::string_view extension);  // any case; paths, one a line
 // The paths of the files that have a name in common with another file, one a line, those of one name together.
@@ -55,8 +57,15 @@ std::string FILELISTLINES(const std::string& files);
 
 // Whether to go on, asked ahead of each file.
 using CopyProgress = bool (*)(void* context, std::int64_t done, std::int64_t total);
-// Copies the files into the folder; of several of one name only the first, and one that is listed twice once. The
-// result are those that were not copied, one a line; when the work was stopped, all that had not been copied by then.
+struct CopyFailure {
+    std::string files;      // those that were not copied, one a line
+    std::int32_t code = 0;  // the error of the first that could not be
+};
+// Copies the files into the folder; of several of one name only the first. When the work was stopped, all that had not been
+// copied by then are in the result.
+CopyFailure COPYFILES(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
+                      void* context = nullptr);
+// The same, and of the result the files alone.
 std::string FILECOPYLIST(const std::string& files, const std::string& folder, CopyProgress go = nullptr,
                          void* context = nullptr);
 std::string

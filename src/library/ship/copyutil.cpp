@@ -48,12 +48,14 @@ bool reported(void* longWork, std::int64_t done, std::int64_t total) {
     return static_cast<LongWork*>(longWork)->go(done, total);
 }
 
-bool takePlace(const std::string& made, const std::string& file) {
+os::FileError takePlace(const std::string& made, const std::string& file) {
     os::Handle handle = -1;
-    if (os::files().open(made, os::OpenMode::ReadWrite, 0, handle) != os::FileError::None) return false;
-    const bool synced = os::files().sync(handle) == os::FileError::None;
-    return os::files().close(handle) == os::FileError::None && synced &&
-           os::files().rename(made, file) == os::FileError::None;
+    os::FileError error = os::files().open(made, os::OpenMode::ReadWrite, 0, handle);
+    if (error != os::FileError::None) return error;
+    error = os::files().sync(handle);
+    const os::FileError closed = os::files().close(handle);
+    if (error == os::FileError::None) error = closed;
+    return error == os::FileError::None ? os::files().rename(made, file) : error;
 }
 
 bool hasTool(const Object& owner, std::string_view name, const std::string& word,
@@ -89,21 +91,6 @@ bool namesDiffer(const Object& owner, const std::string& files) {
                  indented(same),
              BoxIcon::Error);
     return same.empty();
-}
-
-std::string obstacle(const std::string& failed, const std::string& target) {
-    bool noneRead = true;
-    for (int i = 1; i <= STRLINES(failed); ++i) {
-        os::Handle handle = -1;
-        const std::string file = os::native(STRLINE(failed, i));
-        if (os::infoOf(file).special ||
-            os::files().open(file, os::OpenMode::Read, 0, handle) != os::FileError::None)
-            continue;
-        os::files().close(handle);
-        noneRead = false;
-    }
-    return "\nThe file(s) could not be found, or the destination...\n" +
-           (noneRead ? "The file(s) could not be read." : "'" + target + "' could not be written.");
 }
 
 }  // namespace ship
@@ -174,7 +161,7 @@ private:
     }
     bool copy(int disk) {
         LongWork work("Please wait, copying files to floppy disk...");
-        static_cast<void>(FILECOPYLIST(list_.paths(disk), drive_.folder, reported, &work));
+        static_cast<void>(COPYFILES(list_.paths(disk), drive_.folder, reported, &work));
         return !work.stopped();
     }
     bool matches(int disk) {
@@ -264,21 +251,22 @@ bool COPYTOFOLDER(const Object& owner, const std::string& files, const std::stri
     if (!list.canBeCopied() || !staysInside(owner, list, folder) ||
         !mayOverwrite(owner, namesInBoth(list, folder), folder))
         return false;
-    std::string failed;
+    CopyFailure failed;
     {
         LongWork work("Please wait, copying files to a folder...");
-        failed = FILECOPYLIST(list.paths(1), folder, reported, &work);
+        failed = COPYFILES(list.paths(1), folder, reported, &work);
         if (work.stopped()) return false;
     }
     STAMP();
-    if (failed.empty())
+    if (failed.files.empty())
         tell(owner,
              "Successfully copied " + std::to_string(list.files.size()) + " file(s) to '" + folder + "'.");
     else
         tell(owner,
-             "The following file(s) could not be copied:\n\n" + indented(failed) + obstacle(failed, folder),
+             "The following file(s) could not be copied:\n\n" + indented(failed.files) +
+                 obstacle(failed, folder, list.roundedSize(1)),
              BoxIcon::Error);
-    return failed.empty();
+    return failed.files.empty();
 }
 
 }  // namespace tarn

@@ -6,6 +6,7 @@
 #include "library/ship/copyutil.h"
 #include "library/ship/copyutil_internal.h"
 #include "library/ship/debdepends.h"
+#include "library/ship/workfolder.h"
 #include "os/clock.h"
 #include "os/files.h"
 #include "os/paths.h"
@@ -86,18 +87,14 @@ public:
                                   &DebMaker::findDepends, &DebMaker::writeTexts,   &DebMaker::compress,
                                   &DebMaker::writeSums,   &DebMaker::writeControl, &DebMaker::pack};
         std::int64_t done = 0;
-        bool ok = !scratch_.path().empty();
-        if (!ok) problem_ = "'" + FILEGETDIR(file_) + "' could not be written.";
+        bool ok = !scratch_.path().empty() || fails(unwritten(file_, scratch_.error()));
         for (const Step step : steps) {
             ok = ok && work_.go(done++, static_cast<std::int64_t>(std::size(steps))) && !stopped_ &&
                  (this->*step)();
             ClearError();
         }
         ok = ok && !stopped_ && !work_.stopped();
-        if (ok && !takePlace(scratch_.path() + "made.deb", os::native(file_))) {
-            problem_ = "'" + file_ + "' could not be written.";
-            ok = false;
-        }
+        if (ok) ok = wrote(takePlace(scratch_.path() + "made.deb", os::native(file_)));
         problem = stopped_ || work_.stopped() ? std::string() : problem_;
         return ok;
     }
@@ -108,12 +105,20 @@ private:
         if (problem_.empty()) problem_ = text;
         return false;
     }
+    // What stands in the tree is nobody's business: the user has named the package.
+    bool wrote(os::FileError error) { return error == os::FileError::None || fails(unwritten(file_, error)); }
     bool runs(std::string_view name, const std::vector<std::string>& arguments) {
         ToolRun run = runTool(name, arguments, scratch_.path() + "tool.txt", tree_);
         stopped_ = stopped_ || run.stopped;
         output_ = std::move(run.output);
-        return (run.started && run.code == 0) || fails("The program '" + std::string(name) + "' failed.\n" +
-                                                       STRRTRIMCRLF(LIMITLINES(output_, MostListed)));
+        return (run.started && run.code == 0) || toolFailed(name);
+    }
+    // A tool that has no room says so in its own way, or not at all.
+    bool toolFailed(std::string_view name) {
+        const std::string text = "The program '" + std::string(name) + "' failed.\n" +
+                                 STRRTRIMCRLF(LIMITLINES(output_, MostListed));
+        const os::FileError error = whyNoneIn(FILEGETDIR(file_), list_.roundedSize(1));
+        return fails(error == os::FileError::None ? text : text + "\n" + unwritten(file_, error));
     }
     [[nodiscard]] std::string own() const { return "usr/lib/" + fields_.name + "/"; }
     [[nodiscard]] std::string document() const { return "usr/share/doc/" + fields_.name + "/"; }
@@ -122,27 +127,33 @@ private:
     bool makeFolder(const std::string& folder) {
         for (std::size_t at = 0; at != std::string::npos; at = folder.find('/', at + 1)) {
             const std::string path = tree_ + folder.substr(0, at == 0 ? 0 : at);
-            os::files().makeFolder(path);
-            if (os::files().setMode(path, Program) != os::FileError::None)
-                return fails("'" + path + "' could not be made.");
+            const os::FileError made = os::files().makeFolder(path);
+            if (made != os::FileError::None && made != os::FileError::Exists) return wrote(made);
+            if (!wrote(os::files().setMode(path, Program))) return false;
         }
         return true;
     }
     bool put(const std::string& name, const std::string& text, std::uint32_t mode = Plain) {
         const std::string path = tree_ + name;
         if (!makeFolder(os::folderPart(name))) return false;
-        if (!os::saveFile(path, text, os::Durability::Unsynced).ok() ||
-            os::files().setMode(path, mode) != os::FileError::None)
-            return fails("'" + path + "' could not be written.");
+        if (!wrote(os::saveFile(path, text, os::Durability::Unsynced).error) ||
+            !wrote(os::files().setMode(path, mode)))
+            return false;
         made_.push_back(name);
         return true;
+    }
+    bool copies(const std::string& files, const std::string& folder) {
+        const CopyFailure failed = COPYFILES(files, tree_ + folder, reported, &work_);
+        return failed.files.empty() ||
+               fails("The following file(s) could not be copied:\n\n" + indented(failed.files) +
+                     obstacle(failed, FILEGETDIR(file_), list_.roundedSize(1)));
     }
     bool putFile(const std::string& source, const std::string& folder, const std::string& name) {
         const std::string copied = tree_ + folder + name;
         if (!makeFolder(folder)) return false;
-        if (!FILECOPYLIST(source, tree_ + folder).empty() ||
-            os::files().rename(tree_ + folder + FILEGETFNAME(source), copied) != os::FileError::None)
-            return fails("'" + source + "' could not be copied.");
+        if (!copies(source + "\n", folder) ||
+            !wrote(os::files().rename(tree_ + folder + FILEGETFNAME(source), copied)))
+            return false;
         os::files().setMode(copied, Plain);
         made_.push_back(folder + name);
         return true;
@@ -152,9 +163,7 @@ private:
 
     bool copyFiles() {
         if (!makeFolder(own())) return false;
-        const std::string failed = FILECOPYLIST(list_.paths(1), tree_ + own(), reported, &work_);
-        if (!failed.empty())
-            return fails("The following file(s) could not be copied:\n\n" + indented(failed));
+        if (!copies(list_.paths(1), own())) return false;
         const std::string companion = FILECHANGEEXT(program_.exe, ".rcx");
         for (const CopyFile& file : list_.files) {
             const std::string name = FILEGETFNAME(file.Name), extension = FILEGETEXT(name);
@@ -182,9 +191,8 @@ private:
         }
         const std::string clean = WITHOUTBUILDPATH(bytes, runpath);
         if (clean == bytes) return true;
-        return (os::saveFile(path, clean, os::Durability::Unsynced).ok() &&
-                os::files().setMode(path, Program) == os::FileError::None) ||
-               fails("'" + path + "' could not be written.");
+        return wrote(os::saveFile(path, clean, os::Durability::Unsynced).error) &&
+               wrote(os::files().setMode(path, Program));
     }
     bool copyIcon() {
         for (const IconPlace& place : iconPlaces) {
@@ -238,7 +246,7 @@ private:
     const std::string& icon_;
     const CopyList& list_;
     const std::string& file_;
-    const ScratchFolder scratch_;
+    const WorkFolder scratch_;
     const std::string tree_;
     LongWork work_;
     bool stopped_ = false;

@@ -3,6 +3,7 @@
 // An installer, made by the installer's compiler of a script.
 #include "library/ship/copyutil.h"
 #include "library/ship/copyutil_internal.h"
+#include "library/ship/workfolder.h"
 #include "os/files.h"
 
 MODULE("copyutil", tarn::DefaultErrorHandler, tarn::LeaveErrors)
@@ -14,6 +15,7 @@ using namespace ship;
 namespace {
 
 constexpr std::string_view InstallerProgram = "iscc.exe";
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr const char* WaitText = "Please wait, creating the installer...";
 
 const Object ScriptDlg("ScriptDlg");
@@ -46,21 +48,33 @@ struct Made {
 Made compile(const std::string& script, const std::string& installer) {
     const LongWork work(WaitText);
     const Seen before = seen(installer);
+    const WorkFolder scratch(installer);
+    if (scratch.path().empty()) return {false, false, unwritten(installer, scratch.error())};
     const std::string beside = FILEGETDIR(installer);
     const std::string folder = STRLEFT(beside, static_cast<int>(beside.size()) - 1);
-    const ScratchFile output(beside, ".iscc-", ".txt");
     const ToolRun run = runTool(
         InstallerProgram, {script, "/O" + (folder.empty() ? "/" : folder), "/F" + FILEBASENAME(installer)},
-        output.path());
+        scratch.path() + "tool.txt");
     return {FileSize(installer) > 0 && seen(installer) != before, run.stopped, run.output};
 }
 
-// The script, on the disk; why it is not, else.
+std::string adviceFor(os::FileError error) {
+    return error == os::FileError::IsFolder
+               ? "Rename that folder, and try again."
+               : "An installer is made beside its program: copy the program to a folder that you may write, "
+                 "or make room on its disk, and try again.";
+}
+
+// The script, on the disk; why it is not, else. One that begins with a byte order mark goes on doing so.
 std::string saved(const std::string& script, const std::string& text) {
-    const os::SaveResult result = os::saveFile(os::native(script), text);
+    std::string before;
+    os::readFile(script, before);
+    const std::string_view mark = before.starts_with(ByteOrderMark) ? ByteOrderMark : std::string_view();
+    const os::SaveResult result = os::saveFile(os::native(script), std::string(mark) + text);
     return result.ok() ? std::string()
                        : "The script '" + script +
-                             "' could not be written: " + std::string(os::describe(result.error));
+                             "' could not be written: " + std::string(os::describe(result.error)) + "\n" +
+                             adviceFor(result.error);
 }
 
 void tellMade(const Object& owner, const Made& made, const std::string& installer, const std::string& text) {
@@ -77,6 +91,14 @@ void tellMade(const Object& owner, const Made& made, const std::string& installe
 std::string iconOf(const std::string& given, const std::string& files) {
     if (!given.empty() && FileSize(given) > 0) return given;
     return STRLINE(GETEXTNFILELIST(files, EXT_ICO), 1);
+}
+
+// An icon that has the name already under which icons are installed comes along once.
+std::string filesBesideIcon(const CopyList& list, const std::string& icon) {
+    std::string files;
+    for (const CopyFile& file : list.files)
+        if (file.Name != icon || FILEGETFNAME(icon) != "mainicon.ico") files += file.Name + "\n";
+    return files;
 }
 
 // The main program as it stands among the files, else as it was given.
@@ -124,8 +146,9 @@ bool COPYTOINSTALLER(const Object& owner, const std::string& company, const std:
         if (!ISAPART(owner, list.paths(1), made)) return false;
     STAMP();
     const WaitLabel wait(owner, WaitText);
+    const std::string icon = iconOf(iconFile, files);
     const std::string text = CREATEISSSCRIPT(company, copyright, product, description, versionText, version,
-                                             files, exe, iconOf(iconFile, files));
+                                             filesBesideIcon(list, icon), exe, icon);
     STAMP();
     const std::string unsaved = saved(stem + ".iss", text);
     const Made made =

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files into a zip file. It is made under a name beside the one that was chosen, looked at, and takes its place when it
+// Files into a zip file. It is made in a folder beside the one that was chosen, looked at, and takes its place when it
 // holds every file; so a run that fails leaves the old one.
 #include "library/ship/copyutil.h"
 #include "library/ship/copyutil_internal.h"
+#include "library/ship/workfolder.h"
 #include "os/files.h"
 
 #include <string>
@@ -44,40 +45,42 @@ bool zip(const CopyList& list, const std::string& zipFile) {
     return true;
 }
 
-// A short listing of what the zip file holds; it stands beside that where the current folder cannot take it.
-std::string listed(const std::string& zipFile) {
-    const std::vector<std::string> arguments = {"-Z", "-s", "--t", "--h", zipFile};
-    const ToolRun run = runTool(UnzipProgram, arguments, Listing);
-    if (run.started) return run.output;
-    const ScratchFile listing(FILEGETDIR(zipFile), ".unzip-", ".err");
-    return runTool(UnzipProgram, arguments, listing.path()).output;
-}
-
-std::string notIn(const std::string& listing, const CopyList& list) {
+// The files of which the zip file has no line in its short listing, which is written to a file.
+std::string missingIn(const std::string& zipFile, const CopyList& list, const std::string& listing) {
+    const ToolRun run = runTool(UnzipProgram, {"-Z", "-s", "--t", "--h", zipFile}, listing);
     std::string missing;
     for (const CopyFile& file : list.files)
-        if (!ISNAMEINLIST(listing, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
+        if (!ISNAMEINLIST(run.output, FILEGETFNAME(file.Name), file.Size)) missing += file.Name + "\n";
     return missing;
 }
 
-void tellMissing(const Object& owner, const std::string& missing, const std::string& zipFile) {
-    tell(owner,
-         "The following file(s) could not be zipped:\n\n" + indented(missing) + obstacle(missing, zipFile),
-         BoxIcon::Error);
+// Where the current folder cannot take the whole listing, which the unzip program does not tell, another place does.
+std::string missingIn(const std::string& zipFile, const CopyList& list, const WorkFolder& work) {
+    const std::string missing = missingIn(zipFile, list, std::string(Listing));
+    return missing.empty() ? missing : missingIn(zipFile, list, work.path() + Listing);
 }
 
 bool makeZip(const Object& owner, const CopyList& list, const std::string& zipFile) {
-    const ScratchFile scratch(FILEGETDIR(zipFile), "." + FILEBASENAME(zipFile) + "-", EXT_ZIP);
-    if (!zip(list, scratch.path())) return false;
-    std::string missing = notIn(listed(scratch.path()), list);
-    if (missing.empty() && !takePlace(scratch.path(), os::native(zipFile))) missing = list.paths(1);
-    if (!missing.empty()) {
-        tellMissing(owner, missing, zipFile);
-        return false;
+    const WorkFolder work(zipFile);
+    std::string missing = list.paths(1);
+    os::FileError error = work.error();
+    if (!work.path().empty()) {
+        const std::string made = work.path() + "made.zip";
+        if (!zip(list, made)) return false;
+        missing = missingIn(made, list, work);
+        error = missing.empty() ? takePlace(made, os::native(zipFile))
+                                : whyNoneIn(FILEGETDIR(zipFile), list.roundedSize(1));
+        if (missing.empty() && error != os::FileError::None) missing = list.paths(1);
     }
-    tell(owner,
-         "Successfully zipped " + std::to_string(list.files.size()) + " file(s) to '" + zipFile + "'.");
-    return true;
+    if (missing.empty())
+        tell(owner,
+             "Successfully zipped " + std::to_string(list.files.size()) + " file(s) to '" + zipFile + "'.");
+    else
+        tell(owner,
+             "The following file(s) could not be zipped:\n\n" + indented(missing) +
+                 obstacle(missing, zipFile, error),
+             BoxIcon::Error);
+    return missing.empty();
 }
 
 }  // namespace

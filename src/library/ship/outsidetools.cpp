@@ -3,7 +3,6 @@
 
 #include "library/system/system.h"
 #include "os/files.h"
-#include "os/paths.h"
 #include "os/process.h"
 
 namespace tarn::ship {
@@ -37,28 +36,6 @@ ScratchFile::ScratchFile(const std::string& folder, std::string_view start, std:
     : path_(os::native(FILETEMPNAME(folder, start, end))) {}
 ScratchFile::~ScratchFile() {
     os::files().remove(path_);
-}
-
-namespace {
-
-void removeTree(const std::string& folder) {
-    std::vector<std::string> names;
-    os::files().list(folder, names);
-    for (const std::string& name : names) {
-        const std::string path = os::joined(folder, name);
-        if (os::files().remove(path) != os::FileError::None) removeTree(path);
-    }
-    os::files().removeFolder(folder);
-}
-
-}  // namespace
-
-ScratchFolder::ScratchFolder(const std::string& file)
-    : path_(os::native(FILETEMPNAME(FILEGETDIR(file), "." + FILEBASENAME(file) + "-", ".work"))) {
-    path_ = os::files().makeFolder(path_) == os::FileError::None ? path_ + "/" : std::string();
-}
-ScratchFolder::~ScratchFolder() {
-    if (!path_.empty()) removeTree(path_.substr(0, path_.size() - 1));
 }
 
 }  // namespace tarn::ship

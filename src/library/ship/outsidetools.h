@@ -38,19 +38,4 @@ private:
     std::string path_;
 };
 
-// A new folder beside a file that is being made, which goes with all that is in it when this is gone.
-class ScratchFolder {
-public:
-    explicit ScratchFolder(const std::string& file);
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    [[nodiscard]] const std::string& path() const {
-        return path_;
-    }  // with "/" at its end; empty: it could not be made
-
-private:
-    std::string path_;
-};
-
 }  // namespace tarn::ship

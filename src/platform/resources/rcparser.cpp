@@ -109,9 +109,8 @@ void Parser::statement() {
     if (list.empty() && !tokens.unterminated) return;  // blank, or a comment
     if (tokens.word(0, "#define")) return define(tokens);
     if (tokens.word(0, "BEGIN") && list.size() == 1) return unknownBlock();
-    const bool named = isNamed(tokens), head = named && list.size() == 2 && !tokens.unterminated;
-    if (head && isWindowKind(list[1].text)) return block(tokens, RcKind::Window);
-    if (head && tokens.word(1, "MENU")) return block(tokens, RcKind::Menu);
+    const bool named = isNamed(tokens);
+    if (isBlockHead(tokens)) return block(tokens, tokens.word(1, "MENU") ? RcKind::Menu : RcKind::Window);
     if (isVersionHead(tokens)) return version(tokens);
     if (named && fileStatement(tokens)) return;
     RcStatement unknown = begin(RcKind::Unknown, list.empty() ? Token() : list[0], "");
@@ -223,6 +222,12 @@ void Parser::block(const Tokens& tokens, RcKind kind) {
     while (step == Step::On) step = nextLine() ? bodyLine(result, bodyEnd) : Step::Missing;
     if (step == Step::Missing)
         note(result, result.lineNumber, "The END of '" + result.name + "' is missing.");
+    if (!isIdentifier(result.name)) {
+        result.fault = {};
+        note(result, result.lineNumber,
+             "'" + result.name + "' is a number; give the " + (kind == RcKind::Menu ? "menu" : "window") +
+                 " a name that begins with a letter.");
+    }
     end(std::move(result));
 }
 

@@ -87,6 +87,13 @@ bool isNamed(const Tokens& tokens) {
            isIdentifier(list[0].text);
 }
 
+bool isBlockHead(const Tokens& tokens) {
+    const std::vector<Token>& list = tokens.list;
+    return list.size() == 2 && !tokens.unterminated && list[0].kind == TokenKind::Word &&
+           list[1].kind == TokenKind::Word && isNumberOrSymbol(list[0].text) &&
+           (isWindowKind(list[1].text) || tokens.word(1, "MENU"));
+}
+
 namespace {
 
 // Whether a word may stand behind VERSIONINFO: an option, the first of the block's numbers, or its begin.
@@ -110,9 +117,8 @@ bool isVersionHead(const Tokens& tokens) {
 bool opensStatement(const Tokens& tokens) {
     const std::vector<Token>& list = tokens.list;
     if (tokens.word(0, "#define")) return list.size() == 3 && isIdentifier(list[1].text);
-    if (isVersionHead(tokens)) return true;
-    if (!isNamed(tokens) || tokens.unterminated) return false;
-    if (list.size() == 2) return isWindowKind(list[1].text) || tokens.word(1, "MENU");
+    if (isVersionHead(tokens) || isBlockHead(tokens)) return true;
+    if (!isNamed(tokens) || tokens.unterminated || list.size() == 2) return false;
     constexpr std::string_view kinds[] = {"BITMAP", "ICON", "INCFILE", "DBFILE"};
     return list.back().kind == TokenKind::String &&
            std::any_of(std::begin(kinds), std::end(kinds),

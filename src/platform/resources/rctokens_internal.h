@@ -44,6 +44,9 @@ bool isWindowKind(std::string_view word);
 
 // Whether a statement begins with two words, its name and its kind.
 bool isNamed(const Tokens& tokens);
+// The head of a window or of a menu: a name and its type. A number stands there as the name that other resource files have;
+// it is a fault.
+bool isBlockHead(const Tokens& tokens);
 // name VERSIONINFO, where the name may be a number.
 bool isVersionHead(const Tokens& tokens);
 // Whether the line begins a statement wherever it stands, so that a block above it is over.

@@ -13,6 +13,16 @@ namespace {
 constexpr std::string_view AppFolder = "{app}\\", Group = "{group}\\", Desktop = "{commondesktop}\\",
                            ProgramFolder = "{pf}\\", Uninstaller = "{uninstallexe}";
 
+// What an editor may have put in front of a text.
+constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF", Utf16Marks[] = {"\xFF\xFE", "\xFE\xFF"};
+
+std::string_view markOf(std::string_view text) {
+    if (text.starts_with(Utf8Mark)) return Utf8Mark;
+    for (const std::string_view mark : Utf16Marks)
+        if (text.starts_with(mark)) return mark;
+    return {};
+}
+
 // A line of `Key:"value"; Key:value;`, each key once.
 using Fields = std::map<std::string, std::string, std::less<>>;
 
@@ -76,6 +86,10 @@ public:
     explicit Reader(Script& script) : script_(script) {}
 
     std::vector<ScriptError> run(std::string_view text) {
+        if (const std::string_view mark = markOf(text); mark == Utf8Mark)
+            text.remove_prefix(mark.size());
+        else if (!mark.empty())
+            return {{1, "the script is UTF-16; save it as UTF-8"}};
         for (line_ = 1; !text.empty(); ++line_) {
             const std::size_t end = std::min(text.find('\n'), text.size());
             const std::string_view line = trimmed(text.substr(0, end));
@@ -232,8 +246,9 @@ private:
         if (leadsOut(source)) return fail("'" + source + "' leads out of its folder");
         if (!isPlainName(name)) return fail("'" + name + "' is no name of a file");
         if (name == UninstallName || name == ListName || name == AskName)
-            return fail("'" + name + "' is a name of the installer's own");
-        if (script_.package.holds(name)) return fail("'" + name + "' is installed twice");
+            return fail("'" + name + "' is a name of the installer's own; rename the file");
+        if (script_.package.holds(name))
+            return fail("'" + name + "' is installed twice; take one of its lines out, or rename the file");
         script_.package.files.push_back({name, 0, false});
         script_.sources.push_back(source);
     }

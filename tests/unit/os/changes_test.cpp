@@ -256,6 +256,33 @@ TEST_F(ChangesRules, aFileThatMustNotExistIsRefusedBeforeAnythingIsTouched) {
     EXPECT_EQ(disk_.contents("/p/b"), "old b");
 }
 
+// Somebody makes a file in the very moment in which it is to be made.
+class SomebodyElse : public SteeredFiles {
+public:
+    FileError renameNew(const std::string& from, const std::string& to) override {
+        if (to.ends_with("/new")) put(to, "mine");
+        return SteeredFiles::renameNew(from, to);
+    }
+};
+
+TEST_F(ChangesRules, aFileThatAppearsWhenItIsToBeMadeStaysAndAllIsAsItWas) {
+    SomebodyElse disk;
+    const Steered steered(disk);
+    for (const bool last : {false, true}) {
+        disk.put("/p/a", "old a"), disk.put("/p/b", "old b");
+        std::vector<FileChange> changes = {{"/p/a", "new a"}, {"/p/new", "x", Kind::Create}};
+        if (!last) changes.push_back({"/p/b", "new b"});
+        const ChangeResult result = changeFiles(changes);
+        EXPECT_EQ(result.error, FileError::Exists);
+        EXPECT_EQ(result.path, "/p/new");
+        EXPECT_FALSE(result.pending);
+        EXPECT_EQ(disk.contents("/p/new"), "mine") << last;
+        EXPECT_EQ(disk.contents("/p/a"), "old a");
+        EXPECT_EQ(disk.contents("/p/b"), "old b");
+        EXPECT_EQ(disk.remove("/p/new"), FileError::None);
+    }
+}
+
 TEST_F(ChangesRules, aFileThatMayNotBeWrittenIsRefusedBeforeAnythingIsTouched) {
     disk_.put("/p/c", "old c", 0444);
     disk_.clearLog();

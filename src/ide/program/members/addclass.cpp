@@ -2,6 +2,7 @@
 #include "ide/program/members/addclass.h"
 
 #include "ide/editor/sourcefile.h"
+#include "ide/program/members/classname.h"
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
@@ -37,8 +38,9 @@ std::string obstacleOf(const std::string& file, const std::string& mainFile, con
         return FILEMESSAGE(file, std::string("cannot be added, because ") + CoreName);
     if (!ISNAME(FILEBASENAME(file)))
         return FILEMESSAGE(file,
-                           "cannot be added to the program, as its filename is not a valid class name.\n"
-                           "Make a copy of the file, remove spaces from its name and try again.\n");
+                           "cannot be added to the program, as its filename is not a valid class name.\n" +
+                               NAMEFAULT(FILEBASENAME(file)) +
+                               "\nMake a copy of the file with another name and try again.\n");
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include "ide/designer/files/scratch.h"
 #include "ide/editor/lineends.h"
 #include "ide/editor/sourcefile.h"
+#include "ide/program/members/classname.h"
 #include "ide/program/members/messages.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
@@ -40,6 +41,12 @@ bool isTaken(const NewPair& pair) {
 // Only letters and digits, since the class is called like the file.
 bool isClassName(const std::string& stem) {
     return ISNAME(stem) && STRTOIDENTIFIER(stem, static_cast<int>(MaxIdentifier), "") == stem;
+}
+
+// What is wrong with the name behind its underscores and spaces, as a line; empty if nothing is.
+std::string otherFault(const std::string& stem) {
+    const std::string rest = STRREPLACE(STRREPLACE(stem, " ", ""), "_", "");
+    return isClassName(rest) ? "" : NAMEFAULT(rest) + "\n";
 }
 
 // What a dialog may not be called, since a function of that name is made; empty if it may.
@@ -78,7 +85,8 @@ std::string obstacleOf(const NewPair& pair) {
         return "cannot be added to the program, because of the following error:\n" + error;
     if (!isClassName(FILEBASENAME(file)))
         return "cannot be added to the program, as its filename is not a valid class name.\n"
-               "Make a copy of the file, remove underscores and spaces from its name and try again.\n";
+               "Make a copy of the file, remove underscores and spaces from its name and try again.\n" +
+               otherFault(FILEBASENAME(file));
     if (ISINPROGRAM(pair.classFile) || ISINPROGRAM(file))
         return "cannot be added to the program. The resource file must have a\n"
                "different name from all other classes and resource files in the program.";

@@ -99,6 +99,16 @@ TEST_F(PackagerTest, TheWindowListsTheFilesWithTheRunTimeLibrary) {
     EXPECT_TRUE(asked.empty()) << lastText();
 }
 
+TEST_F(PackagerTest, AFileThatTheMakeToolNamesTwiceHasOneRow) {
+    const std::string file = write("prog.cls", MainClass), exe = write("prog.exe", "program");
+    doings = {[this] {
+        EXPECT_EQ(rows(), "prog.exe\t7 byte(s)\n");
+        EXPECT_EQ(GetCaption(part("label2")), "&Files (1):");
+        press("bitmapbutton6");
+    }};
+    PACKAGERDIALOG(Main, file, exe + "\n" + exe + "\n" + dir + "./prog.exe\n", "What they are");
+}
+
 TEST_F(PackagerTest, RowsHaveATickOrACrossAndEndAtTheTab) {
     Load(PackagerDlg);
     const std::string file = write("a b.txt", "123");
@@ -196,11 +206,16 @@ TEST_F(PackagerTest, WhatCannotBeKeptIsToldWhenItIsReadAndWhenItIsLost) {
     answers = {"OK", "OK", "OK"};
     PACKAGERDIALOG(Main, file, dir + "none\n", "What they are");
     ASSERT_EQ(asked.size(), 3U) << lastText();
-    for (const std::size_t i : {0U, 1U})
-        EXPECT_NE(
-            asked[i].text.find("The settings in '" + kept + "' were not read, and nothing is written there."),
-            std::string::npos)
-            << asked[i].text;
+    for (const std::size_t i : {0U, 1U}) EXPECT_EQ(asked[i].title, Title);
+    EXPECT_TRUE(asked[0].text.starts_with("What was entered for an earlier package could not be read from '" +
+                                          kept + "': "))
+        << asked[0].text;
+    EXPECT_TRUE(asked[1].text.starts_with("What was entered could not be kept in '" + kept + "': "))
+        << asked[1].text;
+    EXPECT_NE(asked[1].text.find("\nThe package is made all the same, but the next time it must be entered "
+                                 "again. To have it kept, copy the program to a folder that you may write"),
+              std::string::npos)
+        << asked[1].text;
     EXPECT_TRUE(asked[2].text.starts_with("Cannot copy files.")) << "the package is made all the same";
     EXPECT_EQ(PROFILESTRGET(ini(), "DebDlg", "Maintainer"), "Ann <a@b>");
 }

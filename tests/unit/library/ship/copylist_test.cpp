@@ -66,6 +66,24 @@ TEST_F(CopyLists, APathEndsAtTheFirstTab) {
     EXPECT_EQ(COPYPATH("\t/a"), "");
 }
 
+TEST_F(CopyLists, AFileThatIsListedTwiceCountsOnceWhereItStandsFirst) {
+    const std::string a = make("a", 3), b = make("b", 1), twice = a + "\tone\n" + b + "\n\n" + a + "\ttwo\n";
+    EXPECT_EQ(placed(GETSEGMENTEDFILELIST(twice, 1024, 1)), "3 3 1;1 1 1;");
+    EXPECT_EQ(FILELISTONCE(twice), a + "\tone\n" + b + "\n");
+    EXPECT_EQ(FILELISTLINES(twice), "a\t3\nb\t1\n");
+    EXPECT_EQ(GETEXTNFILELIST("/x.exe\n/x.exe\n", ".exe"), "/x.exe\n");
+    EXPECT_EQ(SAMENAMEDFILES(twice), "");
+    std::filesystem::create_directory(dir / "in");
+    std::filesystem::create_symlink(dir.path(), dir / "in/up");
+    const std::string more = a + "\n" + dir / "./a" + "\n" + dir / "in/up/a" + "\n" + dir / "in/../a" + "\n";
+    EXPECT_EQ(placed(GETSEGMENTEDFILELIST(more, 1024, 1)), "3 3 1;") << "by other paths";
+    EXPECT_EQ(FILECOPYLIST(more, dir / "in"), "");
+    std::filesystem::create_hard_link(a, dir / "c");
+    EXPECT_EQ(placed(GETSEGMENTEDFILELIST(a + "\n" + dir / "c", 1024, 1)), "3 3 1;3 3 1;") << "two names";
+    EXPECT_EQ(FILELISTONCE("/none\n/none\n/else/none\n"), "/none\n/else/none\n");
+    EXPECT_EQ(FILELISTONCE(""), "");
+}
+
 TEST_F(CopyLists, PluralsAndSortedLines) {
     EXPECT_EQ(STRPLURAL(1), "");
     for (const int count : {0, 2, -1}) EXPECT_EQ(STRPLURAL(count), "s") << count;

@@ -5,6 +5,8 @@
 #include "support/ship_fixture.h"
 #include "support/steerable.h"
 
+#include <sys/resource.h>
+
 namespace tarn {
 namespace {
 
@@ -75,6 +77,31 @@ TEST_F(ShipHostile, AFileThatIsListedTwiceIsCopiedOnce) {
     EXPECT_EQ(listing("to"), "a\t3\n");
     answers = {dir / "to/z.zip", "OK"};
     EXPECT_TRUE(COPYTOZIP(owner, one + one, "")) << lastText();
+    EXPECT_EQ(lastText(), "Successfully zipped 1 file(s) to '" + dir / "to/z.zip" + "'.");
+}
+
+TEST_F(ShipHostile, AFileThatIsListedTwiceIsInstalledAndPackedOnce) {
+    std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
+    const std::string exe = dir / "files/prog.exe" + "\n", icon = file("mainicon.ico", 2);
+    tool("iscc.exe", "echo made > " + dir / "files/prog-install.exe");
+    answers = {"Close"};
+    EXPECT_TRUE(toInstaller(exe + icon + exe + icon)) << lastText();
+    const std::string script = read("files/prog-install.iss");
+    for (const char* name : {"prog.exe", "mainicon.ico"}) {
+        const std::string line = "Source:\"" + dir / "files/" + name;
+        EXPECT_NE(script.find(line), std::string::npos) << script;
+        EXPECT_EQ(script.find(line), script.rfind(line)) << script;
+    }
+    answers = {dir / "to/prog.deb", "OK"};
+    EXPECT_TRUE(toDeb(exe + icon + exe)) << lastText();
+}
+
+TEST_F(ShipHostile, AScriptWithAByteOrderMarkKeepsIt) {
+    tool("iscc.exe", "echo made > " + dir / "files/prog-install.exe");
+    make("files/prog-install.iss", "\xEF\xBB\xBF[Setup]\n");
+    answers = {"Close"};
+    EXPECT_TRUE(toInstaller(file("prog.exe", 3))) << lastText();
+    EXPECT_TRUE(read("files/prog-install.iss").starts_with("\xEF\xBB\xBF[Setup]\nAppName=prog\n"));
 }
 
 // ---- where the files come from, and go to ----
@@ -131,10 +158,12 @@ TEST_F(ShipHostile, AFolderUnderTheNameOfWhatIsMadeStaysAndIsTold) {
     folder("to/a.zip"), folder("to/a.deb"), folder("files/prog-install.exe");
     answers = {dir / "to/a.zip"};
     EXPECT_FALSE(COPYTOZIP(owner, file("a", 1), ""));
-    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.zip" + "' could not be written.")) << lastText();
+    const std::string why =
+        "' could not be written: There is a folder of that name.\nChoose another name, and try again.";
+    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.zip" + why)) << lastText();
     answers = {dir / "to/a.deb"};
     EXPECT_FALSE(toDeb(dir / "files/prog.exe" + "\n"));
-    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.deb" + "' could not be written.")) << lastText();
+    EXPECT_TRUE(lastText().ends_with("'" + dir / "to/a.deb" + why)) << lastText();
     tool("iscc.exe", "echo 'it is a folder'");
     EXPECT_FALSE(toInstaller(dir / "files/prog.exe" + "\n"));
     EXPECT_EQ(lastText(), "Could not create '" + dir / "files/prog-install.exe" + "'\n\nit is a folder");
@@ -221,7 +250,10 @@ TEST_F(ShipHostile, AFileThatGoesBetweenTheLookAndTheCopyingIsTold) {
     EXPECT_TRUE(lastText().starts_with("The following file(s) could not be copied:\n\n\t" + dir / "files/b" +
                                        "\n\nThe file(s) could not be found"))
         << lastText();
-    EXPECT_TRUE(lastText().ends_with("destination...\nThe file(s) could not be read.")) << lastText();
+    EXPECT_TRUE(
+        lastText().ends_with("destination...\nThe file(s) could not be read.\nCheck that you may read "
+                             "them, and try again."))
+        << lastText();
     EXPECT_EQ(listing("to"), "a\t1\n");
     make("files/b", "x");
     answers = {dir / "to/z.zip"};
@@ -253,6 +285,10 @@ TEST_F(ShipHostile, AZipFileThatSomebodyReadsIsReplacedAndReadOn) {
 
 TEST_F(ShipHostile, TheListingGoesElsewhereWhereTheCurrentFolderCannotTakeIt) {
     folder("unzip.err");
+    answers = {dir / "to/a.zip", "OK"};
+    EXPECT_TRUE(COPYTOZIP(owner, file("a", 1), "")) << lastText();
+    std::filesystem::remove(dir / "unzip.err");
+    link("/dev/full", "unzip.err");  // a disk that takes nothing more
     answers = {dir / "to/a.zip", "OK"};
     EXPECT_TRUE(COPYTOZIP(owner, file("a", 1), "")) << lastText();
     EXPECT_EQ(STRLINES(listing("to")), 1) << listing("to");
@@ -300,14 +336,54 @@ TEST_F(ShipFullDisk, AFailureAtAnyCallLeavesTheOldFilesOrTheNewOnesAndIsTold) {
         expectOldOrNew([&](int call) { disk.failAt(call, error); });
 }
 
+TEST_F(ShipFullDisk, AFullDiskIsToldAsSuch) {
+    const os::Steered steered(disk);
+    disk.put("/from/a", "new"), disk.putFolder("/to");
+    disk.setFreeBytes(2);
+    EXPECT_FALSE(COPYTOFOLDER(owner, "/from/a\n", "/to"));
+    EXPECT_TRUE(
+        lastText().ends_with("\n'/to' could not be written: The disk is full.\nMake room on its disk, or "
+                             "choose a folder on another one, and try again."))
+        << lastText();
+}
+
+// Files that grow over what the system lets them are a full disk.
+TEST_F(ShipHostile, AFullDiskIsToldByEachWayThatMakesOneFile) {
+    std::filesystem::copy_file("/bin/true", dir / "files/prog.exe");
+    const std::string files = dir / "files/prog.exe" + "\n";
+    const auto limited = [](const auto& run) {
+        rlimit before{};
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        rlimit limit = before;
+        limit.rlim_cur = 4096;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        run();
+        ::setrlimit(RLIMIT_FSIZE, &before);
+    };
+    answers = {dir / "to/a.deb"};
+    limited([&] { EXPECT_FALSE(toDeb(files)); });
+    EXPECT_TRUE(
+        lastText().ends_with("could not be written: The disk is full.\nMake room on its disk, or choose a "
+                             "folder on another one, and try again."))
+        << lastText();
+    EXPECT_TRUE(std::filesystem::is_empty(dir / "to"));
+    answers = {dir / "to/a.zip"};
+    limited([&] { EXPECT_FALSE(COPYTOZIP(owner, files, "")); });
+    EXPECT_TRUE(lastText().starts_with("The following file(s) could not be zipped:")) << lastText();
+    EXPECT_TRUE(std::filesystem::is_empty(dir / "to"));
+}
+
 TEST_F(ShipFullDisk, AFolderThatMayNotBeWrittenTellsAllFiles) {
     const os::Steered steered(disk);
     disk.put("/from/a", "new"), disk.put("/from/b", "new");
     disk.putFolder("/to", 0555);
     disk.putOwner("/to", 0, 0);
     EXPECT_FALSE(COPYTOFOLDER(owner, "/from/a\n/from/b\n", "/to"));
-    EXPECT_EQ(lastText(), "The following file(s) could not be copied:\n\n\t/from/a\n\t/from/b\n\nThe file(s) "
-                          "could not be found, or the destination...\n'/to' could not be written.");
+    EXPECT_EQ(lastText(),
+              "The following file(s) could not be copied:\n\n\t/from/a\n\t/from/b\n\nThe file(s) "
+              "could not be found, or the destination...\n'/to' could not be written: There is no "
+              "permission to do this, or the file is read-only.\nChoose a folder that you may write, "
+              "and try again.");
     EXPECT_EQ(disk.allFiles().size(), 2U);
 }
 

@@ -227,6 +227,29 @@ TEST_F(ResourceFaultsTest, AVersionBlockWithoutItsEndSwallowsNoWindow) {
               place(1) + "The END of the version block 'V' is missing.");
 }
 
+// As other resource files have them: they are seen, not passed over, and cannot be changed.
+TEST_F(ResourceFaultsTest, ANumberInThePlaceOfANameIsTold) {
+    for (const std::string name : {"7", "-1", "0x10", "+3"})
+        for (const auto& [kind, word] : {std::pair<const char*, const char*>{"DIALOG", "window"},
+                                         {"EDITWINDOW", "window"},
+                                         {"MENU", "menu"}}) {
+            for (const char* inside : {"  CAPTION=\"x\"\n", "", "BEGIN\n  LTEXT \"x\", 1\n"}) {
+                write(rc, before + name + " " + kind + "\n" + inside + "END\n" + behind);
+                const std::string text = read(rc), fault = place(linesBefore + 1) + "'" + name +
+                                                           "' is a number; give the " + word +
+                                                           " a name that begins with a letter.";
+                EXPECT_EQ(ResourceInfo(rc, "*", name).error, fault) << kind << inside;
+                EXPECT_EQ(info("*", "*"), "logo\nFirst\n" + name + "\nnote\nLast\nLastMenu\n");
+                ObjectArray array{};
+                EXPECT_EQ(ResourceRead(rc, name, array), fault);
+                EXPECT_EQ(ResourceRename(rc, name, "B"), fault);
+                EXPECT_NE(compiled().find("(" + std::to_string(linesBefore + 1) + ") : error 72"),
+                          std::string::npos);
+                EXPECT_EQ(read(rc), text);
+            }
+        }
+}
+
 TEST_F(ResourceFaultsTest, AFileWithAZeroByteIsNoTextAtAll) {
     for (const std::size_t at : {std::size_t{0}, example.find("CAPTION"), example.find("END")}) {
         std::string text = example;

@@ -15,9 +15,7 @@ constexpr const char* UninstallerOptions = "options: --quiet\n";
 
 TEST_F(SmallInstaller, EachProgramTellsItsOwnOptions) {
     EXPECT_EQ(withHome(installer, {"--nonsense"}), 2);
-    EXPECT_EQ(output, InstallerOptions);
-    EXPECT_EQ(withHome(installer, {"--quiet", "--folder", ""}), 2) << "no folder";
-    EXPECT_EQ(output, InstallerOptions);
+    EXPECT_EQ(output, std::string("There is no option '--nonsense'.\n") + InstallerOptions);
     ASSERT_EQ(withHome(installer, {"--quiet"}), 0) << output;
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--nonsense"},
                                                       {"--quiet", "--home"},
@@ -27,11 +25,44 @@ TEST_F(SmallInstaller, EachProgramTellsItsOwnOptions) {
                                                       {"--check"},
                                                       {""}}) {
         EXPECT_EQ(withHome(app + "/uninstall", arguments), 2) << arguments.back();
-        EXPECT_EQ(output, UninstallerOptions) << arguments.back();
+        EXPECT_TRUE(output.starts_with("There is no option '")) << output;
+        EXPECT_TRUE(output.ends_with(UninstallerOptions)) << arguments.back();
         expectRunsAt(app);
     }
     ASSERT_EQ(withHome(app + "/uninstall", {"--quiet"}), 0) << output;
     EXPECT_EQ(allIn(home), "/Desktop\n");
+}
+
+TEST_F(SmallInstaller, OptionsThatContradictEachOtherInstallNothing) {
+    const std::string
+        places = "It can be installed in one place only: give one of --home, --system and --folder.\n",
+        check = "--check installs nothing, so it takes no place.\n",
+        folder = "The folder behind --folder is missing.\n";
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"--home", "--folder", dir + "x"}, places},
+        {{"--folder", dir + "x", "--home"}, places},
+        {{"--folder", dir + "x", "--folder", dir + "y"}, places},
+        {{"--system", "--home"}, places},
+        {{"--folder", dir + "x", "--system"}, places},
+        {{"--home", "--home"}, places},
+        {{"--check", "--home"}, check},
+        {{"--folder", dir + "x", "--check"}, check},
+        {{"--folder"}, folder},
+        {{"--folder", ""}, folder},
+        {{"--folder", "--quiet"}, folder},
+    };
+    for (auto [arguments, problem] : cases) {
+        arguments.insert(arguments.begin(), "--quiet");
+        EXPECT_EQ(withHome(installer, arguments), 2) << arguments[1];
+        EXPECT_EQ(output, problem + InstallerOptions) << arguments[1];
+        EXPECT_EQ(allIn(home), "/Desktop\n") << arguments[1];
+        EXPECT_FALSE(std::filesystem::exists(dir + "x"));
+    }
+    EXPECT_EQ(withHome(installer, {"--quiet", "--check"}), 0) << output;
+    EXPECT_EQ(withHome(installer, {"--home", "--quiet"}), 0) << output;
+    expectRunsAt(app);
+    EXPECT_EQ(withHome(installer, {"--folder", "./--home", "--quiet"}), 0)
+        << "a folder of that name: " << output;
 }
 
 TEST_F(SmallInstaller, AnUninstallerWithoutItsListSaysThat) {

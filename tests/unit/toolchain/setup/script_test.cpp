@@ -110,9 +110,11 @@ TEST(InstallerScript, TellsEachThingThatIsWrongWithItsLine) {
         {"Source:\"/i", "Source:\"/i/x.ico\"; DestDir:\"{app}\\\"; DestName:\"../mainicon.ico\";",
          "26 '../mainicon.ico' is no name of a file\n0 'mainicon.ico' is not among the files\n"},
         {"Source:\"/i", "Source:\"/i/uninstall\"; DestDir:\"{app}\\\";",
-         "26 'uninstall' is a name of the installer's own\n0 'mainicon.ico' is not among the files\n"},
+         "26 'uninstall' is a name of the installer's own; rename the file\n0 'mainicon.ico' is not among "
+         "the files\n"},
         {"Source:\"/i", "Source:\"/x/word count.exe\"; DestDir:\"{app}\\\";",
-         "27 'word count.exe' is installed twice\n0 'mainicon.ico' is not among the files\n"},
+         "27 'word count.exe' is installed twice; take one of its lines out, or rename the file\n0 "
+         "'mainicon.ico' is not among the files\n"},
         {"Source:\"/i", "Source:\"/i/\"; DestDir:\"{app}\\\";",
          "26 '' is no name of a file\n0 'mainicon.ico' is not among the files\n"},
     };
@@ -122,6 +124,19 @@ TEST(InstallerScript, TellsEachThingThatIsWrongWithItsLine) {
     EXPECT_EQ(errorsOf(""),
               "0 [Setup] has no AppName\n0 [Setup] has no DefaultDirName\n0 [Icons] names no program\n");
     EXPECT_EQ(errorsOf(std::string("[Setup]\nApp\0Name=x", 18)).substr(0, 16), "2 a character 0\n");
+}
+
+TEST(InstallerScript, AByteOrderMarkMeansNothingInFrontAndIsAFaultElsewhere) {
+    const std::string mark = "\xEF\xBB\xBF", text = written("", "/home/u/word count.exe\n");
+    EXPECT_EQ(errorsOf(mark + text), "");
+    Script script;
+    EXPECT_TRUE(readScript(mark + text, script).empty());
+    EXPECT_EQ(script.package.name, "word count");
+    EXPECT_EQ(errorsOf(mark + mark + text).substr(0, 12), "1 a line in ");
+    EXPECT_EQ(errorsOf(mark), errorsOf(""));
+    EXPECT_EQ(errorsOf(mark.substr(0, 2) + text).substr(0, 12), "1 a line in ") << "half a mark";
+    for (const std::string other : {"\xFF\xFE", "\xFE\xFF"})
+        EXPECT_EQ(errorsOf(other + "[\n"), "1 the script is UTF-16; save it as UTF-8\n");
 }
 
 TEST(InstallerScript, TwoFaultsAreBothTold) {

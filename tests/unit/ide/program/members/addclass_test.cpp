@@ -28,6 +28,18 @@ protected:
                ")\nOr you can copy the class file (and resource file) to the main program folder (" + dir +
                "prog/)\nWhat do you want to do?\n";
     }
+    void expectBadName(const std::string& name, const std::string& fault) {
+        const std::string file = write("far/" + name + ".cls", classText("X")), before = everything();
+        add(file);
+        EXPECT_EQ(told(),
+                  std::vector<std::string>{form(
+                      file, "cannot be added to the program, as its filename is not a valid class name.\n" +
+                                fault + "\nMake a copy of the file with another name and try again.\n")})
+            << name;
+        EXPECT_EQ(everything(), before);
+    }
+    static inline const std::string NameRule =
+        "A name has the letters A to Z, digits and underscores, and begins with a letter.";
     static constexpr const char* SameName = "cannot be added, because a file with the same name already "
                                             "exists.\nThe existing file is in an inherited "
                                             "folder, or in the folder containing the main program.\nChoose a "
@@ -73,13 +85,13 @@ TEST_F(AddClass, ChecksInItsOrder) {
          "is already part of the program. It cannot be added twice."},
         {"far/my class.cls", classText("My"), "my class.cls", SameName},
         {"far/your class.cls", classText("Your"), dir + "far/your class.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
-         "file, "
-         "remove spaces from its name and try again.\n"},
+         "cannot be added to the program, as its filename is not a valid class name.\n" +
+             std::string("It holds a space. " + NameRule) +
+             "\nMake a copy of the file with another name and try again.\n"},
         {"far/loop.cls", classText("Loop"), dir + "far/loop.cls",
-         "cannot be added to the program, as its filename is not a valid class name.\nMake a copy of the "
-         "file, "
-         "remove spaces from its name and try again.\n"},
+         "cannot be added to the program, as its filename is not a valid class name.\n" +
+             std::string("'loop' is a word of the language.") +
+             "\nMake a copy of the file with another name and try again.\n"},
         {"far/missing.cls", "", dir + "far/missing.cls",
          "cannot be added because it is not a class.\nThe Add Class command only works with classes."},
     };
@@ -114,20 +126,26 @@ TEST_F(AddClass, ANameOfTheCoreOfTheLibraryIsThatOfTheLibraryAlone) {
 
 TEST_F(AddClass, NamesThatNoClauseCanHoldAreRefused) {
     open();
-    for (const char* name :
-         {"my class", " a", "a ", "\xC3\xA4", "a\xE4", "a\xFF", "a\"b", "a'b", "a&b", "1a", "a.b", "a-b"}) {
-        const std::string file = write("far/" + std::string(name) + ".cls", classText("X")),
-                          before = everything();
-        add(file);
-        EXPECT_EQ(
-            told(),
-            std::vector<std::string>{form(
-                file,
-                "cannot be added to the program, as its filename is not a valid class name.\nMake a copy "
-                "of the file, remove spaces from its name and try again.\n")})
-            << name;
-        EXPECT_EQ(everything(), before);
-    }
+    const std::pair<const char*, const char*> names[] = {{"my class", "a space"},
+                                                         {" a", "a space"},
+                                                         {"a ", "a space"},
+                                                         {"B\xC3\xBC\x63her", "'\xC3\xBC'"},
+                                                         {"a\xE4", "'\xE4'"},
+                                                         {"a\xFF", "'\xFF'"},
+                                                         {"\xE2\x82\xAC", "'\xE2\x82\xAC'"},
+                                                         {"\xC3", "'\xC3'"},
+                                                         {"a\"b", "'\"'"},
+                                                         {"a'b", "'\''"},
+                                                         {"a&b", "'&'"},
+                                                         {"a.b", "'.'"},
+                                                         {"a-b", "'-'"},
+                                                         {"a\tb", "a control character"}};
+    for (const auto& [name, sign] : names)
+        expectBadName(name, "It holds " + std::string(sign) + ". " + NameRule);
+    expectBadName("1a", "It begins with '1'. " + NameRule);
+    expectBadName("_a", "It begins with '_'. " + NameRule);
+    expectBadName(std::string(41, 'x'), "It is longer than 40 characters.");
+    expectBadName("table", "'table' is a word of the language.");
 }
 
 TEST_F(AddClass, TheMainClassItselfIsRefusedAsAMainClass) {
@@ -220,6 +238,45 @@ TEST_F(AddClass, AResourceFileThatIsThereIsAskedAbout) {
     add(file, {"Copy file", "Replace"});
     EXPECT_EQ(text("prog/round.rc"), dialog("D"));
     EXPECT_EQ(uses("prog/main.cls"), "Shapes round");
+}
+
+// Behind the question about the resource file nothing is asked about the class any more.
+TEST_F(AddClass, AFileThatAppearsBehindTheQuestionIsNotReplaced) {
+    open();
+    write("prog/round.rc", "// mine\n");
+    write("far/round.rc", dialog("D"));
+    const std::string file = write("far/round.cls", classText("Round"));
+    std::deque<std::string> given = {file, "Copy file", "Replace", "OK"};
+    auto before = platform::useView(platform::makeHeadlessView([&](const platform::Question& question) {
+        asked.push_back(question);
+        if (question.text.find("round.rc' already exists") != std::string::npos)
+            write("prog/round.cls", "// mine too\n");
+        std::string answer = given.empty() ? "" : given.front();
+        if (!given.empty()) given.pop_front();
+        return answer;
+    }));
+    run([] { PROJECTADDCLASS("Program-Add Class"); });
+    platform::useView(std::move(before));
+    EXPECT_EQ(told().back(), "'" + dir +
+                                 "prog/round.cls'\ncould not be written: The file or folder exists "
+                                 "already.\nNothing was changed. Try again when the cause is gone.");
+    EXPECT_EQ(text("prog/round.cls"), "// mine too\n");
+    EXPECT_EQ(text("prog/round.rc"), "// mine\n");
+    EXPECT_EQ(uses("prog/main.cls"), "Shapes");
+}
+
+// A link that leads nowhere is no file that could be asked about, and a folder is none to replace.
+TEST_F(AddClass, WhatIsNoFileInThePlaceOfACopyStays) {
+    open();
+    const std::string file = write("far/round.cls", classText("Round"));
+    std::filesystem::create_symlink(dir + "lib/nowhere", dir + "prog/round.cls");
+    add(file, {"Copy file"});
+    EXPECT_FALSE(there("lib/nowhere")) << "nothing is written through the link";
+    EXPECT_EQ(uses("prog/main.cls"), "Shapes") << lastText();
+    std::filesystem::remove(dir + "prog/round.cls");
+    std::filesystem::create_directory(dir + "prog/round.cls");
+    add(file, {"Copy file"});
+    EXPECT_EQ(uses("prog/main.cls"), "Shapes") << lastText();
 }
 
 TEST_F(AddClass, TheMainClassInTheCodeWindowIsChangedThereAndSaved) {

@@ -111,6 +111,18 @@ TEST_F(AddDialog, ANameThatCannotBeIsAskedAboutUntilItCan) {
     EXPECT_NE(SYMFINDFUNCTION("Free", 1, mainFile).bodyStart, 0);
 }
 
+TEST_F(AddDialog, ANumberedDialogIsListedAndRefusedWithItsLine) {
+    const std::string file = write("far/numbered.rc", "\n" + dialog("7"));
+    choose("Dialogs");
+    const std::string before = everything();
+    add(file, "7");
+    EXPECT_EQ(told(), std::vector<std::string>{
+                          "The following dialog:\n\n\t7 in '" + file +
+                          "'\n\ncannot be added to the program, because of the following error:\n'" + file +
+                          "', line 2: '7' is a number; give the window a name that begins with a letter."});
+    EXPECT_EQ(everything(), before);
+}
+
 TEST_F(AddDialog, AnEmptyNameGivesUp) {
     choose("Dialogs");
     const std::string before = everything();

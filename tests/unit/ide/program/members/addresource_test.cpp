@@ -118,15 +118,27 @@ TEST_F(AddResource, ANameOfTheCoreOfTheLibraryIsRefused) {
 
 TEST_F(AddResource, NamesWithOtherSignsAreRefused) {
     open();
-    for (const char* name : {"\xC3\xA4", "a\xE4", "a\xFF", " a", "a ", "a&b", "a\"b", "a.b"}) {
-        const std::string file = write("far/" + std::string(name) + ".rc", dialog("D")),
-                          before = everything();
+    const std::string rule =
+        " A name has the letters A to Z, digits and underscores, and begins with a letter.\n";
+    const std::pair<std::string, std::string> names[] = {{"B\xC3\xBC\x63her", "It holds '\xC3\xBC'." + rule},
+                                                         {"a\xE4", "It holds '\xE4'." + rule},
+                                                         {"a\xFF", "It holds '\xFF'." + rule},
+                                                         {" a", ""},
+                                                         {"a ", ""},
+                                                         {"a_b", ""},
+                                                         {"a&b", "It holds '&'." + rule},
+                                                         {"a\"b c", "It holds '\"'." + rule},
+                                                         {"a.b", "It holds '.'." + rule},
+                                                         {"9 to 5", "It begins with '9'." + rule}};
+    for (const auto& [name, fault] : names) {
+        const std::string file = write("far/" + name + ".rc", dialog("D")), before = everything();
         add(file);
         EXPECT_EQ(told(), std::vector<std::string>{
                               "The following file:\n\n\t'" + file +
                               "'\n\ncannot be added to the program, as its filename is not a valid class "
                               "name.\nMake a copy of "
-                              "the file, remove underscores and spaces from its name and try again.\n"});
+                              "the file, remove underscores and spaces from its name and try again.\n" +
+                              fault});
         EXPECT_EQ(everything(), before);
     }
 }
@@ -198,6 +210,25 @@ TEST_F(AddResource, NamesThatTheProgramCannotHaveAreRefused) {
         add(file);
         EXPECT_EQ(told(),
                   std::vector<std::string>{"The following file:\n\n\t'" + file + "'\n\n" + head + reason});
+        EXPECT_EQ(everything(), before) << contents;
+    }
+}
+
+// Its window function could have no name.
+TEST_F(AddResource, ADialogThatIsNumberedIsRefusedWithItsLine) {
+    open();
+    const std::string cases[] = {dialog("free") + dialog("7"), dialog("free") + "7 EDITWINDOW\nEND\n",
+                                 dialog("free") + "0x10 dialog\nEND\n", dialog("free") + dialog("-1")};
+    for (const std::string& contents : cases) {
+        const std::string file = write("far/boxes.rc", contents), before = everything();
+        const std::string name = STRWORD(contents.substr(dialog("free").size()), 1);
+        add(file, {"Copy file"});
+        EXPECT_EQ(told(),
+                  std::vector<std::string>{
+                      "The following file:\n\n\t'" + file +
+                      "'\n\ncannot be added to the program, because of the following error:\n(Dialog " +
+                      name + ") '" + file + "', line 5: '" + name +
+                      "' is a number; give the window a name that begins with a letter."});
         EXPECT_EQ(everything(), before) << contents;
     }
 }
