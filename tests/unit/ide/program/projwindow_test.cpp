@@ -620,5 +620,37 @@ TEST_F(ProjWindow, FiveThousandRows) {
     EXPECT_EQ(PROJECTITEMGETPOS(ProjectEditorDlg, 5000), (ProjectPlace{2500, 1}));
 }
 
+TEST_F(ProjWindow, AMainFileThatHasGoneIsToldAtARefreshAndTheRowsStay) {
+    open();
+    const std::string before = shownRows();
+    std::filesystem::remove(file);
+    PROJECTREFRESH(ProjectEditorDlg);
+    Stamp(0, ReportErrors, DefaultErrorHandler);
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(lastText(),
+              "It is not possible to open/update the window.\nThe file '" + file + "' was not found.");
+    EXPECT_EQ(shownRows(), before);
+}
+
+TEST_F(ProjWindow, APictureThatNoProgramOpensIsToldWithTheProgramsThatAreMissing) {
+    open();
+    const std::string picture = write("a.bmp", "picture");
+    write("main.rc", "a BITMAP \"a.bmp\"\n");
+    PROJECTREFRESH(ProjectEditorDlg);
+    choose(3);
+    static_cast<void>(key(KEY_RIGHT));
+    choose(4);
+    const Variable path("PATH", dir + "none");
+    PROJECTITEMEDIT(ProjectEditorDlg);
+    Stamp(0, ReportErrors, DefaultErrorHandler);
+    ASSERT_EQ(asked.size(), 1U) << shownRows();
+    EXPECT_EQ(asked[0].title, "Error");
+    EXPECT_EQ(lastText(),
+              "Executable file or path not found (error 901).\nCannot run external program.\nNeither "
+              "'mspaint' nor 'xdg-open' is there to open '" +
+                  picture + "'. Install one of them, and try again.");
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
 }  // namespace
 }  // namespace tarn
