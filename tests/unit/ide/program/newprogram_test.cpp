@@ -388,6 +388,8 @@ TEST_F(NewProgram, AProgramWithoutAWindowIsAClassAlone) {
 TEST_F(NewProgram, TheIconIsNamedFromTheResourceFolder) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit5", dir + "pics/");
     makeTool({"work/App1.cls"});
+    std::filesystem::create_directory(dir + "pics");
+    write("pics/a.ico", "icon");
     fill({{"Program Icon", dir + "pics/a.ico"}});
     newProgram(true);
     EXPECT_NE(text("work/App1.rc").find("\nProgramIcon ICON \"<RESOURCEDIR>\\\\a.ico\"\n"), std::string::npos)
@@ -395,6 +397,9 @@ TEST_F(NewProgram, TheIconIsNamedFromTheResourceFolder) {
 }
 
 TEST_F(NewProgram, AnIconMayHaveAnyName) {
+    std::filesystem::create_directory(dir + "work/a");
+    for (const char* const name : {"a (1).ico", "\xC3\xA4.ico", "#1 $x$.ico", "a'b.ico", ").ico", "a/b.ico"})
+        write("work/" + std::string(name), "icon");
     makeTool({"work/App1.cls"});
     for (const char* const name :
          {"a (1).ico", "\xC3\xA4.ico", "#1 $x$.ico", "a'b.ico", ").ico", "a\\b.ico"}) {
@@ -718,6 +723,67 @@ TEST_F(NewProgramOnBadDisk, AnUnfinishedChangeIsToldAtTheNextStart) {
               "These files got the contents that they were to have:\n\t'/w/a.cls'");
     EXPECT_EQ(disk.contents("/w/a.cls"), "x");
     EXPECT_FALSE(FINISHCHANGES());
+}
+
+// ---- a class in another folder ----
+
+TEST_F(NewProgram, TheFolderOfAClassElsewhereIsAskedAbout) {
+    write("work/a.cls", Main);
+    std::filesystem::create_directory(dir + "far");
+    openProgram({"work/a.cls"});
+    const std::string question =
+        "'" + dir +
+        "far/' should be added to the inherited class path.\nDo you want to add it now?\nIf not, you "
+        "should add it later using the Tools-Options-Paths command.";
+    for (const char* const answer : {"No", "Yes"}) {
+        asked.clear();
+        answers = {answer};
+        fill({{"Name", "Books" + std::string(answer)}, {"Directory", dir + "far/"}});
+        newClass();
+        ASSERT_EQ(asked.size(), 1U) << answer;
+        EXPECT_EQ(asked[0].title, "New Class");
+        EXPECT_EQ(asked[0].text, question);
+        EXPECT_EQ(PROFILESTRGET(ini(), "PathsOptionsDlg", "Edit1"),
+                  dir + "lib" + (std::string(answer) == "Yes" ? ";" + dir + "far/" : ""));
+    }
+    EXPECT_EQ(SYMGETUSES(1, dir + "work/a.cls"), "BooksNo BooksYes");
+    asked.clear();
+    fill({{"Name", "Third"}, {"Directory", dir + "far/"}});
+    newClass();
+    EXPECT_TRUE(asked.empty()) << "the folder is an inherited one by now";
+}
+
+TEST_F(NewProgram, WithoutAProgramNoFolderIsAskedAbout) {
+    std::filesystem::create_directory(dir + "far");
+    fill({{"Name", "Books"}, {"Directory", dir + "far/"}});
+    newClass();
+    EXPECT_TRUE(asked.empty()) << lastText();
+}
+
+// ---- icons that cannot be ----
+
+TEST_F(NewProgramRefused, IconsThatAreNotThere) {
+    write("work/empty.ico", "");
+    write("work/q\"q.ico", "icon");
+    const std::string begin =
+                          "'" + dir + "work/Books.cls'\nThe new class cannot be created, its program icon '",
+                      end = "Choose another icon, or none.\n";
+    const std::pair<std::string, const char*> cases[] = {
+        {dir + "work/gone.ico", "does not exist or is empty.\n"},
+        {"gone.ico", "does not exist or is empty.\n"},
+        {dir + "work/empty.ico", "does not exist or is empty.\n"},
+        {dir + "work/q\"q.ico", "has a quote or a line end in its path.\n"}};
+    for (const auto& [icon, reason] : cases) {
+        asked.clear();
+        fill({{"Name", "Books"}, {"Directory", dir + "work"}, {"Program Icon", icon}});
+        const NewClass made = NEWCLASSDIALOG({}, "New Program", dir + "work/App1.cls", false, WithWindow);
+        EXPECT_TRUE(made.empty());
+        EXPECT_EQ(lastText(), begin + icon + "' " + reason + end);
+    }
+    write("work/there.ico", "icon");
+    fill({{"Name", "Books"}, {"Directory", dir + "work"}, {"Program Icon", "there.ico"}});
+    EXPECT_FALSE(NEWCLASSDIALOG({}, "New Program", dir + "work/App1.cls", false, WithWindow).empty())
+        << "a path without a root starts from the folder of the class";
 }
 
 }  // namespace
