@@ -133,7 +133,9 @@ QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
 
 // In as many rows as it takes for each button to be on the screen.
 QVBoxLayout* inRows(const std::vector<QPushButton*>& buttons, const QDialog& box) {
+    constexpr int Between = 16, Above = 8;
     auto* rows = new QVBoxLayout;
+    rows->setSpacing(Above);
     QHBoxLayout* row = nullptr;
     const int room = box.screen()->availableSize().width() * 8 / 10;
     int used = 0;
@@ -141,12 +143,13 @@ QVBoxLayout* inRows(const std::vector<QPushButton*>& buttons, const QDialog& box
         const int width = std::max(button->sizeHint().width(), button->minimumWidth());
         if (row == nullptr || used + width > room) {
             row = new QHBoxLayout;
+            row->setSpacing(Between);
             row->addStretch();
             rows->addLayout(row);
             used = 0;
         }
         row->addWidget(button);
-        used += width + std::max(row->spacing(), 0);
+        used += width + Between;
     }
     return rows;
 }

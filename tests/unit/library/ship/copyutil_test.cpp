@@ -33,13 +33,13 @@ TEST_F(ShipCopies, OneFloppyDiskIsNoPlural) {
 }
 
 TEST_F(ShipCopies, AMissingOrTooLargeFileBlocksTheFloppy) {
-    for (const std::string& files : {file("a", 1) + dir / "none\n", file("a", 1001)}) {
+    for (const std::string& files : {file("a", 1) + dir / "none\n", file("b", 1001)}) {
         EXPECT_FALSE(COPYTOFLOPPY(owner, files, drive));
         EXPECT_EQ(lastText(),
                   "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on "
                   "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.\n'" +
                       (asked.size() == 1 ? dir / "none" + "' does not exist."
-                                         : dir / "files/a" + "' is too large."));
+                                         : dir / "files/b" + "' is too large."));
     }
     EXPECT_EQ(asked.size(), 2U);
 }
