@@ -8,6 +8,7 @@
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
 #include "support/ide_fixture.h"
+#include "support/tempfolder.h"
 
 #include <filesystem>
 
