@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
     if (options.inheritedPath.empty()) options.inheritedPath = toolchain::inheritedPath(line);
     const toolchain::Sources sources = toolchain::findSources(options.file, options.inheritedPath);
     if (options.query)
-        return write(options.outputFile, toolchain::answerQuery(options, sources)) ? 0 : CannotReport;
+        return write(options.outputFile, toolchain::answerQuery(options, line, sources)) ? 0 : CannotReport;
     const toolchain::BuildResult result = toolchain::build(options, line, sources);
     const bool written = write(options.outputFile, result.report);
     const bool reported = write(os::resultFile(result.compilerFolder, toolchain::ResultFile), result.report);

@@ -295,6 +295,25 @@ TEST_F(ViewTest, TheTextOfAnEditWindowIsNamedByItsCaption) {
     EXPECT_EQ(name(), "Text");
 }
 
+TEST_F(ViewTest, ManyButtonsOfABoxStandInRowsThatTheScreenHolds) {
+    std::string captions;
+    for (int n = 1; n <= 40; ++n) captions += "Button number " + std::to_string(n) + "\n";
+    QTimer::singleShot(0, [] {
+        QWidget* const box = QApplication::activeModalWidget();
+        EXPECT_LE(box->width(), box->screen()->availableGeometry().width());
+        const auto buttons = box->findChildren<QPushButton*>();
+        ASSERT_EQ(buttons.size(), 40);
+        int rows = 1;
+        for (qsizetype i = 0; i < buttons.size(); ++i) {
+            EXPECT_TRUE(box->rect().contains(buttons[i]->geometry())) << i;
+            if (i > 0 && buttons[i]->y() > buttons[i - 1]->y()) ++rows;
+        }
+        EXPECT_GT(rows, 1);
+        QTest::mouseClick(buttons.back(), Qt::LeftButton);
+    });
+    EXPECT_EQ(MsgBox("t", "text", captions), "Button number 40");
+}
+
 }  // namespace
 
 }  // namespace tarn::platform

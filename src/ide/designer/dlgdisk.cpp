@@ -15,6 +15,7 @@ struct Seen {
     std::string file, dialog;
     os::FileInfo info;
     std::string content;
+    bool removed = false;  // by a command of the environment
 };
 
 Seen& seen() {
@@ -42,7 +43,12 @@ std::string contentOf(const std::string& file, const std::string& dialog) {
 void NOTEDIALOGSEEN(const std::string& file, const std::string& dialog) {
     FRAME(NOTEDIALOGSEEN);
     STAMP();
-    seen() = {file, dialog, os::infoOf(os::native(file)), contentOf(file, dialog)};
+    seen() = {file, dialog, os::infoOf(os::native(file)), contentOf(file, dialog), false};
+}
+
+void NOTEDIALOGREMOVED(const std::string& file, const std::string& dialog) {
+    FRAME(NOTEDIALOGREMOVED);
+    if (seen().file == file && STREQUAL(seen().dialog, dialog)) seen().removed = true;
 }
 
 DialogOnDisk DIALOGONDISK(const std::string& file, const std::string& dialog) {
@@ -54,7 +60,7 @@ DialogOnDisk DIALOGONDISK(const std::string& file, const std::string& dialog) {
     if (!now.exists) return DialogOnDisk::FileMissing;
     if (now.modified == last.info.modified && now.size == last.info.size) return DialogOnDisk::AsSeen;
     const std::string content = contentOf(file, dialog);
-    if (content.empty()) return DialogOnDisk::Missing;
+    if (content.empty()) return last.removed ? DialogOnDisk::Removed : DialogOnDisk::Missing;
     return content == last.content ? DialogOnDisk::AsSeen : DialogOnDisk::Changed;
 }
 

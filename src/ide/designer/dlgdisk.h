@@ -14,7 +14,10 @@ namespace tarn {
 // The dialog and its menu are in the file as the editor has them.
 void NOTEDIALOGSEEN(const std::string& file, const std::string& dialog);
 
-enum class DialogOnDisk { AsSeen, Changed, Missing, FileMissing };
+// The user has taken the dialog out of the file here; nobody else has.
+void NOTEDIALOGREMOVED(const std::string& file, const std::string& dialog);
+
+enum class DialogOnDisk { AsSeen, Changed, Missing, FileMissing, Removed };
 DialogOnDisk DIALOGONDISK(const std::string& file, const std::string& dialog);
 
 }  // namespace tarn

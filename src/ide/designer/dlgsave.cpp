@@ -10,6 +10,7 @@
 #include "ide/designer/files/dlgcode.h"
 #include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
+#include "ide/editor/ownwrites.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/shell/rescue.h"
 #include "ide/shell/windows.h"
@@ -76,15 +77,24 @@ bool asked(const std::string& text, const std::string& yes) {
     return MsgBox("File-Save", text, yes + "\n&Cancel", BoxIcon::Warning) == yes;
 }
 
+bool codeWindowAgrees(Save& save) {
+    return ASKCODEWINDOW(save.file);
+}
+
 // What another program has written meanwhile goes only if the user says so.
 bool maySaveOver(Save& save) {
     const DialogOnDisk state = DIALOGONDISK(save.file, save.oldName);
-    save.missing = state == DialogOnDisk::Missing || state == DialogOnDisk::FileMissing;
+    save.missing = state == DialogOnDisk::Missing || state == DialogOnDisk::FileMissing ||
+                   state == DialogOnDisk::Removed;
     switch (state) {
     case DialogOnDisk::AsSeen: return true;
     case DialogOnDisk::FileMissing:
         return asked("The following file was deleted or renamed by another program:\n\n\t" + save.file +
                          "\n\nSave this dialog to a new file of that name?",
+                     "&Save");
+    case DialogOnDisk::Removed:
+        return asked("The dialog '" + save.oldName + "' was removed from the following file:\n\n\t" +
+                         save.file + "\n\nAdd it again?",
                      "&Save");
     case DialogOnDisk::Missing:
         return asked("The following file was changed by another program after it was read here:\n\n\t" +
@@ -111,6 +121,7 @@ bool rename(Save& save) {
     if (STREQUAL(name, save.oldName)) return true;
     const std::string error = save.missing ? "" : ResourceRename(save.file, save.oldName, name);
     if (!error.empty()) return tell(error), false;
+    SHOWOWNWRITE(save.file);
     renamed(save, name);
     DIALOGHISTORYAPART();
     NOTEDIALOGSEEN(save.file, name);
@@ -123,6 +134,7 @@ bool write(Save& save) {
     const std::string error =
         ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), save.file, DIALOGHISTORYPAST());
     if (!error.empty()) return tell(error), false;
+    SHOWOWNWRITE(save.file);
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
     DIALOGHISTORYSAVED();
     DIALOGSETMODIFY(false);
@@ -130,7 +142,8 @@ bool write(Save& save) {
     return true;
 }
 
-constexpr Step steps[] = {typeMayHaveControls, namesAreAllowed, namesAreUnique, maySaveOver, rename, write};
+constexpr Step steps[] = {typeMayHaveControls, namesAreAllowed, namesAreUnique, codeWindowAgrees,
+                          maySaveOver,         rename,          write};
 
 }  // namespace
 

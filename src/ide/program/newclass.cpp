@@ -160,6 +160,20 @@ Refusal refusedByDisk(const Wish& wish) {
     return {};
 }
 
+// An icon that is not there would be missing without a word from all that is made of the program.
+Refusal refusedByIcon(const Wish& wish) {
+    if (wish.icon.empty() || !wish.wantsWindow()) return {};
+    const PlaceholderFolders folders{GETRESOURCEDIR(), GETCOMPILERDIR()};
+    const std::string path = os::native(FILERESOLVEPATHS(wish.icon, folders));
+    const std::string begin = "The new class cannot be created, its program icon '" + wish.icon + "' ",
+                      end = "Choose another icon, or none.\n";
+    if (path.find_first_of("\"\r\n") != std::string::npos)
+        return {ClassExtension, begin + "has a quote or a line end in its path.\n" + end};
+    if (FileSize(ISROOTED(path) ? path : wish.directory + path) < 1)
+        return {ClassExtension, begin + "does not exist or is empty.\n" + end};
+    return {};
+}
+
 // True, and told, if something is wrong.
 bool refuse(const std::string& title, const Wish& wish, const Refusal& refusal) {
     if (refusal.message.empty()) return false;
@@ -198,7 +212,8 @@ NewClass askForClass(const std::string& title, const std::string& path, bool non
     if (!ISROOTED(wish.directory)) wish.directory = FILEADDSEPARATOR(GETCURDIR()) + wish.directory;
     if (wish.name.empty()) wish.name = FILEBASENAME(path);
     STAMP();
-    if (refuse(title, wish, refusedAlways(draft, wish)) || refuse(title, wish, refusedByDisk(wish)))
+    if (refuse(title, wish, refusedAlways(draft, wish)) || refuse(title, wish, refusedByDisk(wish)) ||
+        refuse(title, wish, refusedByIcon(wish)))
         return {};
     STAMP();
     return textsOf(title, draft, wish);

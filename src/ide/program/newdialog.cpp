@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/lineends.h"
+#include "ide/editor/ownwrites.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/changes.h"
@@ -297,7 +298,8 @@ void PROJECTNEWDIALOG() {
     STAMP();
     plan.name = plan.target.untouched.empty() ? newName(plan.target) : plan.target.untouched;
     STAMP();
-    const bool wanted = mayChange(plan.target, plan.name) && planDialog(plan, body);
+    const bool wanted = mayChange(plan.target, plan.name) && ASKCODEWINDOW(plan.target.resourceFile) &&
+                        planDialog(plan, body);
     STAMP();
     if (!wanted) return;
     plan.code = planFunction(plan.name, plan.target.classFile);
@@ -305,6 +307,8 @@ void PROJECTNEWDIALOG() {
     const bool written = writePlan(plan);
     STAMP();
     if (!written) return;
+    SHOWOWNWRITE(plan.target.resourceFile);
+    STAMP();
     finishFunction(plan.name, plan.code);
     STAMP();
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);

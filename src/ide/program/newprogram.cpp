@@ -5,7 +5,9 @@
 #include "ide/editor/recentfiles.h"
 #include "ide/editor/textedit.h"
 #include "ide/menus/filemenu.h"
+#include "ide/options/pathsoptions.h"
 #include "ide/program/changes.h"
+#include "ide/program/members/programfolders.h"
 #include "ide/program/newclass.h"
 #include "ide/program/projlist.h"
 #include "ide/program/projwindow.h"
@@ -85,6 +87,13 @@ bool writeClass(const std::string& title, const NewClass& made, const std::strin
     return write(title, changes);
 }
 
+// A class beside the main class is found there; in any other folder only by the inherited path.
+void askForFolder(const std::string& title, const std::string& classFile, const std::string& mainFile) {
+    if (!ISCLASSFILE(mainFile) || ISSAMEFILE(FILEGETDIR(classFile), FILEGETDIR(mainFile))) return;
+    STAMP();
+    UPDATEINHERITPATHS(title, classFile);
+}
+
 // ---- a program ----
 
 std::string freeProgram() {
@@ -157,6 +166,8 @@ void PROJECTNEWNONMAIN(const Object& label, const std::string& title) {
     STAMP();
     if (!written) return RESTORECHANGES(made);
     EDITWNDOPEN(SDIEdit, made.classFile, false, 0);
+    STAMP();
+    askForFolder(title, made.classFile, mainFile);
     STAMP();
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();

@@ -2,6 +2,7 @@
 #include "ide/program/progprops.h"
 
 #include "ide/build/toolrun.h"
+#include "ide/editor/ownwrites.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
@@ -108,6 +109,9 @@ PropertiesResult PROGRAMPROPERTIESDIALOG(const std::string& title, const std::st
                                          const std::string& name) {
     FRAME(PROGRAMPROPERTIESDIALOG);
     STAMP();
+    const std::string resources = TWINFILE(mainFile, ResourceExtension);
+    if (!ASKCODEWINDOW(resources)) return PropertiesResult::Cancel;
+    STAMP();
     const LoadedVersion loaded = LOADVERSIONINFO(mainFile, name, title);
     STAMP();
     if (!loaded.ok) return PropertiesResult::Cancel;
@@ -122,6 +126,8 @@ PropertiesResult PROGRAMPROPERTIESDIALOG(const std::string& title, const std::st
         SAVEVERSIONINFO(mainFile, name.empty() ? std::string(DefaultVersionName) : name, after, title);
     STAMP();
     if (!saved) return PropertiesResult::Ok;
+    SHOWOWNWRITE(resources);
+    STAMP();
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();
     return PropertiesResult::Save;

@@ -7,6 +7,7 @@
 #include "ide/program/members/messages.h"
 #include "ide/program/progprops.h"
 #include "ide/program/projwindow.h"
+#include "ide/shell/idecore.h"
 #include "library/dialogs/versioninfo.h"
 #include "library/system/system.h"
 
@@ -34,6 +35,10 @@ void paint(const std::string& file) {
     if (ErrorCell() != ERR_EXEC_NOT_FOUND) return;
     ClearError();
     EXEC("xdg-open", QUOTEARGUMENT(file), WithoutWaiting);
+    if (ErrorCell() != ERR_EXEC_NOT_FOUND) return;
+    TELLERROR(ERR_EXEC_NOT_FOUND,
+              "Cannot run external program.\nNeither 'mspaint' nor 'xdg-open' is there to open '" + file +
+                  "'. Install one of them, and try again.");
 }
 
 // False if there is no editor for it.

@@ -4,7 +4,7 @@
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
-#include "kernel/windows/resources.h"
+#include "kernel/windows/resourcetext.h"
 #include "library/settings/placeholders.h"
 #include "library/settings/profstr.h"
 #include "library/system/resourceline.h"
@@ -116,9 +116,9 @@ public:
         if (!STREQUAL(FILEGETEXT(file), ResourceExtension)) return;
         std::string text;
         os::readFile(file, text);
-        text = STRUPPER(text);
+        const std::string upper = STRUPPER(text);
         for (const Kind& kind : kinds)
-            if (&kind == &dialogs || text.find(kind.word) != std::string::npos) addKind(file, kind);
+            if (&kind == &dialogs || upper.find(kind.word) != std::string::npos) addKind(file, text, kind);
     }
     std::vector<std::string> items;
 
@@ -146,8 +146,9 @@ private:
                         name, file, FILETIME(file), "class0.bmp", ""},
                        items);
     }
-    void addKind(const std::string& file, const Kind& kind) {
-        const std::string lines = ResourceInfo(file, std::string(kind.word), "*").text;
+    // However many there are: a list that ends where a buffer does would hide files of the program.
+    void addKind(const std::string& file, const std::string& text, const Kind& kind) {
+        const std::string lines = ResourceTextLines(text, file, std::string(kind.word));
         const int count = STRLINES(lines);
         if (count > 0 || &kind == &dialogs) addGroup(file, kind, count);
         std::size_t at = 0;

@@ -138,6 +138,8 @@ std::string PROJECTRELOAD(const Object& window, const ProjectPlace& place) {
     FRAME(PROJECTRELOAD);
     const std::string mainFile = PROJECTGETMAINFILE(window);
     STAMP();
+    if (FileSize(mainFile) < 0) return NOTEPROJECTFILES(window), "The file '" + mainFile + "' was not found.";
+    STAMP();
     const DependencyList list = LOADDEPLIST(mainFile, "/fs", true);
     STAMP();
     if (!list.error.empty()) return NOTEPROJECTFILES(window), list.error;

@@ -43,4 +43,8 @@ ResourceText ResourceTextInfo(const std::string& text, const std::string& file, 
                            file);
 }
 
+std::string ResourceTextLines(const std::string& text, const std::string& file, const std::string& kind) {
+    return platform::listStatements(platform::parseResourceText(text), file, kind, "*").text;
+}
+
 }  // namespace tarn

@@ -26,5 +26,7 @@ std::string ResourceTextDelete(std::string& text, const std::string& file, const
                                const std::string& name);
 ResourceText ResourceTextInfo(const std::string& text, const std::string& file, const std::string& kind,
                               const std::string& name);
+// The lines of all resources of a kind, however many they are.
+std::string ResourceTextLines(const std::string& text, const std::string& file, const std::string& kind);
 
 }  // namespace tarn

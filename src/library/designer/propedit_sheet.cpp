@@ -70,6 +70,13 @@ std::string collect(const Object& window, const Lines& options, const Lines& bef
     return values;
 }
 
+// What is proposed first is replaced by what the user types, as it is in a control that Tab has reached.
+void selectFirst(const Object& window) {
+    const PropertyRow row = PROPERTYROW(window, 1);
+    const auto length = static_cast<int>(GetText(row.value).size());
+    if (length > 0) SetSelection(row.value, 1, length);
+}
+
 // ---- what the user does ----
 
 void showHelp(const Object& window) {
@@ -162,6 +169,8 @@ bool PROPERTIESDIALOG(const std::string& title, const std::string& helpFile, con
     STAMP();
     const Lines optionLines = detail::linesOf(options), before = detail::linesOf(values);
     layOut(window, fillRows(window, detail::linesOf(names), optionLines, before));
+    STAMP();
+    selectFirst(window);
     STAMP();
     Show(window, true);
     STAMP();

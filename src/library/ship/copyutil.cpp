@@ -68,6 +68,23 @@ bool hasTool(const Object& owner, std::string_view name, const std::string& word
     return false;
 }
 
+namespace {
+
+// The first file that cannot be copied at all, as a line behind a text; empty if they are only too large together.
+std::string firstObstacle(const std::string& files, std::int64_t most) {
+    const std::string lines = files + "\n";
+    for (int i = 1; i <= STRLINES(lines); ++i) {
+        const std::string path = COPYPATH(STRLINE(lines, i));
+        if (path.empty()) continue;
+        const std::int64_t size = FileSize(path);
+        if (size < 0) return "\n'" + path + "' does not exist.";
+        if (size > most) return "\n'" + path + "' is too large.";
+    }
+    return {};
+}
+
+}  // namespace
+
 CopyList checked(const Object& owner, const std::string& files, const std::string& reason,
                  const std::string& limit) {
     constexpr std::int64_t Byte = 1;
@@ -76,7 +93,7 @@ CopyList checked(const Object& owner, const std::string& files, const std::strin
     if (!list.canBeCopied())
         tell(owner,
              "Cannot copy files.\n" + reason + "\n(" + limit + " is " + std::to_string(MaxPackageSize) +
-                 " bytes)",
+                 " bytes)" + firstObstacle(files, MaxPackageSize),
              BoxIcon::Error);
     if (!namesDiffer(owner, list.paths(1))) list = {-1, {}};
     return list;
@@ -191,7 +208,8 @@ bool COPYTOFLOPPY(const Object& owner, const std::string& files, const FloppyDri
     if (!list.canBeCopied()) {
         tell(owner,
              "Cannot copy files.\n" + std::string(DoNotFit) + "\n(the disk size is " +
-                 std::to_string(drive.capacity) + " bytes)\nTry copying to a Zip file instead.",
+                 std::to_string(drive.capacity) + " bytes)\nTry copying to a Zip file instead." +
+                 firstObstacle(files, drive.capacity),
              BoxIcon::Error);
         return false;
     }

@@ -124,6 +124,7 @@ std::string Load(const Object& object, const std::string& file, const std::strin
     } else {
         const RcFile parsed = parseResourceText(std::move(bytes));
         const RcFault fault = !parsed.fault.empty() ? parsed.fault : makeTemplate(parsed, name, from);
+        if (fault.number == WindowNotInResources) return "'" + name + "' was not found in '" + file + "'.";
         if (!fault.empty()) return "'" + file + "', line " + std::to_string(fault.line) + ": " + fault.text;
     }
     makeWindow(window, from, file);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Makes one compiled resource file out of several resource files.
+#include "platform/resources/rcpath.h"
 #include "platform/resources/rctext.h"
 #include "platform/resources/rcx.h"
 #include "platform/resources/resource.h"
@@ -40,7 +41,6 @@ private:
     void fail(const Source& source, const RcFault& fault);
     void window(const Source& source, const RcStatement& statement);
     void picture(const Source& source, const RcStatement& statement);
-    [[nodiscard]] std::string pathOf(const Source& source, const std::string& written) const;
 
     const std::vector<ResourceFolder>& folders_;
     std::deque<Source> sources_;
@@ -106,20 +106,9 @@ void Compiler::window(const Source& source, const RcStatement& statement) {
                         encodeWindow(made)});
 }
 
-std::string Compiler::pathOf(const Source& source, const std::string& written) const {
-    const std::string path = os::native(written);
-    for (const ResourceFolder& folder : folders_) {
-        if (!sameText(path.substr(0, folder.placeholder.size()), folder.placeholder)) continue;
-        std::string rest = path.substr(folder.placeholder.size());
-        while (rest.starts_with('/')) rest.erase(0, 1);
-        return folder.folder + (folder.folder.ends_with('/') ? "" : "/") + rest;
-    }
-    return path.starts_with('/') ? path : os::folderPart(source.name) + path;
-}
-
 void Compiler::picture(const Source& source, const RcStatement& statement) {
     std::string bytes;
-    const os::FileError error = os::readFile(pathOf(source, statement.path), bytes);
+    const os::FileError error = os::readFile(ResourceFilePath(source.name, statement.path, folders_), bytes);
     if (error != os::FileError::None || bytes.empty())
         return fail(source,
                     {statement.lineNumber, bitmapInvalid,
@@ -147,6 +136,18 @@ void Compiler::compile() {
 }
 
 }  // namespace
+
+std::string ResourceFilePath(const std::string& rcFile, const std::string& written,
+                             const std::vector<ResourceFolder>& folders) {
+    const std::string path = os::native(written);
+    for (const ResourceFolder& folder : folders) {
+        if (!sameText(path.substr(0, folder.placeholder.size()), folder.placeholder)) continue;
+        std::string rest = path.substr(folder.placeholder.size());
+        while (rest.starts_with('/')) rest.erase(0, 1);
+        return folder.folder + (folder.folder.ends_with('/') ? "" : "/") + rest;
+    }
+    return path.starts_with('/') ? path : os::folderPart(rcFile) + path;
+}
 
 std::string CompileResources(const std::vector<std::string>& rcFiles, const std::string& rcxFile,
                              const std::vector<ResourceFolder>& folders) {

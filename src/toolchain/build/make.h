@@ -58,7 +58,7 @@ Digest companionInputs(const Sources& sources);
 std::string noteFile(const std::string& result);
 
 // The answer to a query, one path a line.
-std::string answerQuery(const MakeOptions& options, const Sources& sources);
+std::string answerQuery(const MakeOptions& options, const CompilerLine& line, const Sources& sources);
 
 // What a build did: the messages of the failed compiles as they came, then those of the make tool itself.
 struct BuildResult {

@@ -6,6 +6,7 @@
 #include "os/text/ascii.h"
 #include "toolchain/build/link.h"
 #include "toolchain/build/make.h"
+#include "toolchain/build/targets.h"
 #include "toolchain/build/tools.h"
 #include "toolchain/language/classes.h"
 #include "toolchain/language/windows.h"
@@ -40,11 +41,6 @@ std::int64_t readEnd(const std::string& file, std::int64_t most, std::string& by
     bytes.resize(success ? got : 0);
     return success ? info.modified : -1;
 }
-
-// What stands beside a program: the run-time library, its windows, and the last-ditch box of a fault.
-constexpr std::string_view EditLibrary = "libtarnwick-edit.so";
-constexpr std::string_view RunTimeFiles[] = {"libtarnwick.so", "libtarnwick-qt.so", EditLibrary,
-                                             "tarnwick-fatal"};
 
 constexpr std::int64_t WholeFile = INT64_MAX;
 constexpr std::int64_t RecordSize = 2048;  // a line of a symbol file with a full comment is shorter
@@ -255,27 +251,6 @@ std::string allFiles(const Sources& sources, bool withResources) {
     return text;
 }
 
-// An edit window needs a library of its own, which no other program carries.
-bool hasEditWindow(const Sources& sources) {
-    return std::any_of(sources.classes.begin(), sources.classes.end(), [](const SourceClass& item) {
-        std::string text;
-        if (!item.resource.empty()) static_cast<void>(os::readFile(item.resource, text));
-        return ascii::uppered(text).find(" EDITWINDOW") != std::string::npos;
-    });
-}
-
-// What a copy of the program needs; objects and symbol files stay with the sources. The run-time library is told where
-// it stands for the tools.
-std::string targets(const Sources& sources) {
-    std::string text = sources.exe + "\n" + (hasResources(sources) ? sources.companion + "\n" : "");
-    const std::string folder = libraryFolder() + "/";
-    for (const std::string_view library : RunTimeFiles) {
-        const std::string file = folder + std::string(library);
-        if (os::sizeOf(file) > 0 && (library != EditLibrary || hasEditWindow(sources))) text += file + "\n";
-    }
-    return text;
-}
-
 }  // namespace
 
 Sources findSources(const std::string& mainFile, const std::vector<std::string>& inheritedPath) {
@@ -342,14 +317,15 @@ std::string noteFile(const std::string& result) {
     return workFolder(result).append(paths::fileName(result)).append(".note");
 }
 
-std::string answerQuery(const MakeOptions& options, const Sources& sources) {
+std::string answerQuery(const MakeOptions& options, const CompilerLine& line, const Sources& sources) {
     const bool isProgram = !sources.exe.empty();
     switch (options.mode) {
     case MakeMode::Quick:
     case MakeMode::Make: return changedFiles(sources);
     case MakeMode::All: return isProgram ? allFiles(sources, false) : std::string();
     case MakeMode::Sources: return isProgram ? allFiles(sources, true) : sources.classes[0].path + "\n";
-    case MakeMode::Targets: return isProgram ? targets(sources) : sources.companion + "\n";
+    case MakeMode::Targets:
+        return isProgram ? targetsOf(sources, line.resourceFolders) : sources.companion + "\n";
     }
     return {};
 }

@@ -4,6 +4,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/classname.h"
 #include "ide/program/members/messages.h"
+#include "ide/program/members/namedfiles.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
 #include "ide/program/projlist.h"
@@ -11,6 +12,7 @@
 #include "ide/shell/idecore.h"
 #include "library/source/symbols.h"
 #include "library/system/system.h"
+#include "os/files.h"
 
 MODULE("projedit", tarn::PROJECT_ONERROR)
 
@@ -41,6 +43,10 @@ std::string obstacleOf(const std::string& file, const std::string& mainFile, con
                            "cannot be added to the program, as its filename is not a valid class name.\n" +
                                NAMEFAULT(FILEBASENAME(file)) +
                                "\nMake a copy of the file with another name and try again.\n");
+    if (const std::string held = SYMGETCLASSNAME(1, file, ProductWord); !STREQUAL(held, FILEBASENAME(file)))
+        return FILEMESSAGE(file, "cannot be added to the program. It holds the class '" + held +
+                                     "', and a class must be called like its file.\n"
+                                     "Rename the file or the class, and try again.\n");
     return {};
 }
 
@@ -65,18 +71,24 @@ void plan(Copies& copies, const std::string& source, const std::string& folder) 
     copies.files.push_back(copy);
 }
 
-Copies planCopies(const std::string& file, const std::string& mainFile) {
+Copies planCopies(const std::string& title, const std::string& file, const std::string& mainFile) {
     Copies copies;
     const std::string folder = FILEGETDIR(mainFile), twin = TWINFILE(file, ResourceExtension);
     plan(copies, file, folder);
-    if (!copies.cancelled && FileSize(twin) >= 0) plan(copies, twin, folder);
+    if (copies.cancelled || FileSize(twin) < 0) return copies;
+    plan(copies, twin, folder);
+    if (copies.cancelled) return copies;
+    for (const NamedFile& named : ASKNAMEDFILES(title, twin, folder))
+        copies.files.push_back({named.source, named.copy});
     return copies;
 }
 
 std::string addCopies(ProgramChanges& changes, const Copies& copies) {
-    for (const Copy& copy : copies.files)
+    for (const Copy& copy : copies.files) {
+        os::makeFolders(os::native(FILEGETDIR(copy.file)));
         if (std::string error = changes.copy(copy.source, copy.file, copy.replaces); !error.empty())
             return error;
+    }
     return {};
 }
 
@@ -101,7 +113,7 @@ bool ADDTOPROGRAM(const std::string& title, const std::string& file, const std::
                : ASKPLACING(title, "class", "class file (and resource file)", file, mainFile);
     if (!inside && placing == Placing::Cancel) return false;
     STAMP();
-    const Copies copies = placing == Placing::CopyFile ? planCopies(file, mainFile) : Copies();
+    const Copies copies = placing == Placing::CopyFile ? planCopies(title, file, mainFile) : Copies();
     if (copies.cancelled || !SETTLECODEWINDOW(mainFile)) return false;
     STAMP();
     ProgramChanges changes;

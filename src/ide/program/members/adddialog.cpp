@@ -7,12 +7,14 @@
 #include "ide/editor/lineends.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/messages.h"
+#include "ide/program/members/namedfiles.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programnames.h"
 #include "ide/program/members/windowfunction.h"
 #include "ide/program/projedit.h"
 #include "ide/program/projwindow.h"
 #include "kernel/windows/resourcetext.h"
+#include "library/dialogs/dlgutil.h"
 #include "library/system/system.h"
 #include "os/files.h"
 
@@ -181,6 +183,15 @@ std::string ADDCOPY(const Copy& copy, const std::string& name, const Target& tar
     return error.empty() ? changes.commit() : error;
 }
 
+// A copied dialog names its pictures as it did where it was.
+void tellPictures(const std::string& title, const std::string& name, const Target& target) {
+    const std::string missing = MISSINGPICTURES(target.resourceFile, name);
+    if (missing.empty()) return;
+    MSGBOX(title, "Dialog " + name + " names the following picture(s), which the program does not have:\n\n" +
+                      INDENTLINES(LIMITLINES(missing)) +
+                      "\nAdd them with Program-Add File, or choose others in the dialog editor.\n");
+}
+
 }  // namespace
 
 void PROJECTADDDIALOG(const std::string& title) {
@@ -208,6 +219,9 @@ void PROJECTADDDIALOG(const std::string& title) {
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);
     STAMP();
     MSGBOX(title, "Added " + name + " from '" + dialog.file + "'");
+    STAMP();
+    tellPictures(title, name, target);
+    STAMP();
 }
 
 }  // namespace tarn

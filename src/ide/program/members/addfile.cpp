@@ -2,6 +2,7 @@
 #include "ide/program/members/addfile.h"
 
 #include "ide/designer/files/scratch.h"
+#include "ide/editor/ownwrites.h"
 #include "ide/program/members/programfolders.h"
 #include "ide/program/members/programnames.h"
 #include "ide/program/projedit.h"
@@ -132,7 +133,11 @@ void PROJECTADDFILE(const std::string& title) {
                  STR(MostTries) + ") total.\nChoose another file and try again.";
     if (!reason.empty()) return MSGBOX(title, "The following file:\n\n\t" + file + "\n\n" + reason);
     STAMP();
+    if (!ASKCODEWINDOW(target)) return;
+    STAMP();
     const std::string error = ResourceWriteText(target, statementOf(name, file));
+    STAMP();
+    if (error.empty()) SHOWOWNWRITE(target);
     STAMP();
     if (!error.empty()) return MSGBOX(title, "Cannot add " + file + " to '" + target + "'\n" + error);
     if (IsLoaded(ProjectEditorDlg)) PROJECTREFRESH(ProjectEditorDlg);

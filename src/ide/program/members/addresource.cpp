@@ -7,6 +7,7 @@
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/classname.h"
 #include "ide/program/members/messages.h"
+#include "ide/program/members/namedfiles.h"
 #include "ide/program/members/programchanges.h"
 #include "ide/program/members/programfolders.h"
 #include "ide/program/members/programnames.h"
@@ -17,7 +18,10 @@
 #include "library/designer/proputil.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"
+#include "os/files.h"
 #include "os/text/ascii.h"
+
+#include <vector>
 
 MODULE("projedit", tarn::PROJECT_ONERROR)
 
@@ -123,7 +127,8 @@ TemplateText MAKECLASS(const NewPair& pair) {
 // ---- the command ----
 
 // Both files in the folder of the main class.
-std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::string& classText) {
+std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::string& classText,
+                     const std::vector<NamedFile>& named) {
     FRAME(COPYPAIR);
     const std::string folder = FILEGETDIR(pair.mainFile),
                       resourceCopy = folder + FILEGETFNAME(pair.resourceFile),
@@ -135,13 +140,21 @@ std::string COPYPAIR(ProgramChanges& changes, const NewPair& pair, const std::st
     std::string error = changes.copy(pair.resourceFile, resourceCopy, false);
     if (!error.empty()) return error;
     changes.create(classCopy, classText);
+    for (const NamedFile& file : named) {
+        os::makeFolders(os::native(FILEGETDIR(file.copy)));
+        error = changes.copy(file.source, file.copy, false);
+        if (!error.empty()) return error;
+    }
     error = changes.commit();
     STAMP();
-    if (error.empty()) KEEPTIME(pair.resourceFile, resourceCopy);
-    return error;
+    if (!error.empty()) return error;
+    KEEPTIME(pair.resourceFile, resourceCopy);
+    for (const NamedFile& file : named) KEEPTIME(file.source, file.copy);
+    return {};
 }
 
-std::string MAKECHANGES(const std::string& title, const NewPair& pair, Placing placing) {
+std::string MAKECHANGES(const std::string& title, const NewPair& pair, Placing placing,
+                        const std::vector<NamedFile>& named) {
     FRAME(MAKECHANGES);
     STAMP();
     if (FileSize(pair.resourceFile) < 0) return "The file '" + pair.resourceFile + "' was not found.";
@@ -153,7 +166,7 @@ std::string MAKECHANGES(const std::string& title, const NewPair& pair, Placing p
     const std::string error = CHANGEUSES(changes, pair.mainFile, "ADD", FILEBASENAME(pair.classFile));
     STAMP();
     if (!error.empty()) return error;
-    if (placing == Placing::CopyFile) return COPYPAIR(changes, pair, made.text);
+    if (placing == Placing::CopyFile) return COPYPAIR(changes, pair, made.text, named);
     changes.create(pair.classFile, made.text);
     return placing == Placing::UpdateFolders ? COMMITWITHFOLDER(changes, title, pair.classFile)
                                              : changes.commit();
@@ -169,9 +182,13 @@ bool ADDTOPROGRAM(const std::string& title, const NewPair& pair) {
                : ASKPLACING(title, "resource file", "resource file", pair.resourceFile, pair.mainFile);
     STAMP();
     if (!inside && placing == Placing::Cancel) return false;
+    std::vector<NamedFile> named;
+    if (placing == Placing::CopyFile)
+        named = ASKNAMEDFILES(title, pair.resourceFile, FILEGETDIR(pair.mainFile));
+    STAMP();
     if (!SETTLECODEWINDOW(pair.mainFile)) return false;
     STAMP();
-    const std::string error = MAKECHANGES(title, pair, placing);
+    const std::string error = MAKECHANGES(title, pair, placing, named);
     STAMP();
     if (!error.empty()) MsgBox(title, error, "OK", BoxIcon::Error);
     return error.empty();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/members/programchanges.h"
 
-#include "ide/editor/seenfile.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projwindow.h"
@@ -101,16 +100,6 @@ std::string ProgramChanges::commit() {
     if (windowSaved_) EDITWNDNOTELOADED(SDIEdit, EDITWNDGETFILENAME(SDIEdit));
     STAMP();
     return {};
-}
-
-bool SETTLECODEWINDOW(const std::string& file) {
-    FRAME(SETTLECODEWINDOW);
-    STAMP();
-    if (!ISINEDITOR(file)) return true;
-    const auto differs = [&] { return GetModify(SDIEdit) || CHANGEDOUTSIDE(SDIEdit, file); };
-    if (differs()) EDITWNDSAVE(SDIEdit, false);
-    STAMP();
-    return !differs();
 }
 
 std::string CHANGEUSES(ProgramChanges& changes, const std::string& classFile, const std::string& operation,

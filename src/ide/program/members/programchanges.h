@@ -11,6 +11,7 @@
 // success. Cost: reads each file that is loaded; commit that of changes.h.
 #pragma once
 
+#include "ide/editor/ownwrites.h"
 #include "ide/program/changes.h"
 
 #include <string>
@@ -42,10 +43,6 @@ private:
     std::string windowFile_, windowText_;  // of the Code window; the file is empty where it is not changed
     bool windowSaved_ = false;
 };
-
-// Brings the disk and the Code window together where that shows the file: asks and saves as File-Save does. False if they
-// still differ, because the user has cancelled or it failed: then a command that saves the file must end.
-[[nodiscard]] bool SETTLECODEWINDOW(const std::string& file);
 
 // The class with its name in the clause ("ADD") or without ("DEL"). Changes nothing where nothing is to be changed.
 [[nodiscard]] std::string CHANGEUSES(ProgramChanges& changes, const std::string& classFile,

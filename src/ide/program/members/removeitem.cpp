@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/program/members/removeitem.h"
 
+#include "ide/designer/dlgdisk.h"
 #include "ide/editor/sourcefile.h"
 #include "ide/program/members/confirmremove.h"
 #include "ide/program/members/programchanges.h"
@@ -113,6 +114,7 @@ void REMOVEDIALOG(Removal& removal) {
     if (choice.alsoRemove) TAKEOUTFUNCTION(removal);
     STAMP();
     COMMIT(removal);
+    if (removal.error.empty()) NOTEDIALOGREMOVED(item.file, item.name);
 }
 
 // ---- a version block ----

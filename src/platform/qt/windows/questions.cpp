@@ -118,12 +118,40 @@ void prepare(QDialog& box, const Question& question) {
     box.setWindowFlag(Qt::WindowStaysOnTopHint, staysOnTop());
 }
 
-QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
+QPushButton* makeButton(const QString& caption, QDialog& box) {
     auto* button = new QPushButton(caption, &box);
     button->setMinimumWidth(box.fontMetrics().averageCharWidth() * 12);
     button->setAutoDefault(true);
+    return button;
+}
+
+QPushButton* addButton(QHBoxLayout& row, const QString& caption, QDialog& box) {
+    QPushButton* const button = makeButton(caption, box);
     row.addWidget(button);
     return button;
+}
+
+// In as many rows as it takes for each button to be on the screen.
+QVBoxLayout* inRows(const std::vector<QPushButton*>& buttons, const QDialog& box) {
+    constexpr int Between = 16, Above = 8;
+    auto* rows = new QVBoxLayout;
+    rows->setSpacing(Above);
+    QHBoxLayout* row = nullptr;
+    const int room = box.screen()->availableSize().width() * 8 / 10;
+    int used = 0;
+    for (QPushButton* const button : buttons) {
+        const int width = std::max(button->sizeHint().width(), button->minimumWidth());
+        if (row == nullptr || used + width > room) {
+            row = new QHBoxLayout;
+            row->setSpacing(Between);
+            row->addStretch();
+            rows->addLayout(row);
+            used = 0;
+        }
+        row->addWidget(button);
+        used += width + Between;
+    }
+    return rows;
 }
 
 // ---- message ----
@@ -145,13 +173,12 @@ std::string askMessage(const Question& question, QWidget* parent) {
     }
     top->addWidget(makeText(shown(question.text), &box), 1);
     layout->addLayout(top);
-    auto* row = new QHBoxLayout;
-    row->addStretch();
+    std::vector<QPushButton*> buttons;
     std::vector<std::string> captions = question.buttons;
     if (captions.empty()) captions.emplace_back("OK");
     std::string answer;
     for (std::size_t i = 0; i < captions.size(); ++i) {
-        QPushButton* button = addButton(*row, marked(shown(captions[i])), box);
+        QPushButton* const button = buttons.emplace_back(makeButton(marked(shown(captions[i])), box));
         QObject::connect(button, &QPushButton::clicked, &box, [&, i] {
             answer = captions[i];
             box.accept();
@@ -161,7 +188,7 @@ std::string askMessage(const Question& question, QWidget* parent) {
             button->setFocus();
         }
     }
-    layout->addLayout(row);
+    layout->addLayout(inRows(buttons, box));
     layout->setSizeConstraint(QLayout::SetFixedSize);
     return run(question, box) == QDialog::Accepted ? answer : std::string();
 }

@@ -4,6 +4,7 @@
 #include "ide/program/newdialog.h"
 
 #include "ide/designer/dlgedit.h"
+#include "ide/editor/seenfile.h"
 #include "ide/program/changes.h"
 #include "ide/program/projwindow.h"
 #include "library/source/symbols.h"
@@ -404,6 +405,25 @@ TEST_F(NewDialogOfAProgram, AKillAtAnyCallLeavesBothFilesOldOrNewAtTheNextStart)
         EXPECT_FALSE(died);
         EXPECT_TRUE(allNew());
     }
+}
+
+TEST_F(NewDialog, AResourceFileInTheCodeWindowIsSavedFirstAndShowsTheDialogThen) {
+    write("a.cls", Class);
+    write("a.rc", Main1);
+    openProgram({"a.cls", "a.rc"});
+    EDITWNDOPEN(SDIEdit, dir + "a.rc", false, 0);
+    SetText(SDIEdit, std::string("// typed\n") + Main1);
+    SetModify(SDIEdit, true);
+    answers = {"&Cancel"};
+    run();
+    EXPECT_EQ(lastText(), dir + "a.rc\nThis file has been changed. Do you want to save the changes?");
+    EXPECT_EQ(text("a.rc"), Main1);
+    answers = {"&Yes"};
+    run();
+    EXPECT_TRUE(text("a.rc").starts_with("// typed\n")) << text("a.rc");
+    EXPECT_NE(text("a.rc").find("Dialog1 DIALOG"), std::string::npos);
+    EXPECT_EQ(GetText(SDIEdit), text("a.rc"));
+    EXPECT_EQ(NEWCHANGEOUTSIDE(SDIEdit, dir + "a.rc"), OutsideChange::None);
 }
 
 }  // namespace

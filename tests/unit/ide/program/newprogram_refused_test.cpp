@@ -161,5 +161,31 @@ TEST_F(NewProgramRefused, ANameThatIsNoneStaysInTheSheet) {
     EXPECT_TRUE(std::filesystem::is_empty(dir + "work"));
 }
 
+// ---- icons that cannot be ----
+
+TEST_F(NewProgramRefused, IconsThatAreNotThere) {
+    write("work/empty.ico", "");
+    write("work/q\"q.ico", "icon");
+    const std::string begin =
+                          "'" + dir + "work/Books.cls'\nThe new class cannot be created, its program icon '",
+                      end = "Choose another icon, or none.\n";
+    const std::pair<std::string, const char*> cases[] = {
+        {dir + "work/gone.ico", "does not exist or is empty.\n"},
+        {"gone.ico", "does not exist or is empty.\n"},
+        {dir + "work/empty.ico", "does not exist or is empty.\n"},
+        {dir + "work/q\"q.ico", "has a quote or a line end in its path.\n"}};
+    for (const auto& [icon, reason] : cases) {
+        asked.clear();
+        fill({{"Name", "Books"}, {"Directory", dir + "work"}, {"Program Icon", icon}});
+        const NewClass made = NEWCLASSDIALOG({}, "New Program", dir + "work/App1.cls", false, WithWindow);
+        EXPECT_TRUE(made.empty());
+        EXPECT_EQ(lastText(), begin + icon + "' " + reason + end);
+    }
+    write("work/there.ico", "icon");
+    fill({{"Name", "Books"}, {"Directory", dir + "work"}, {"Program Icon", "there.ico"}});
+    EXPECT_FALSE(NEWCLASSDIALOG({}, "New Program", dir + "work/App1.cls", false, WithWindow).empty())
+        << "a path without a root starts from the folder of the class";
+}
+
 }  // namespace
 }  // namespace tarn

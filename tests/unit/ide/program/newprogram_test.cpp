@@ -164,6 +164,8 @@ TEST_F(NewProgram, AProgramWithoutAWindowIsAClassAlone) {
 TEST_F(NewProgram, TheIconIsNamedFromTheResourceFolder) {
     PROFILESTRPUT(ini(), "PathsOptionsDlg", "Edit5", dir + "pics/");
     makeTool({"work/App1.cls"});
+    std::filesystem::create_directory(dir + "pics");
+    write("pics/a.ico", "icon");
     fill({{"Program Icon", dir + "pics/a.ico"}});
     newProgram(true);
     EXPECT_NE(text("work/App1.rc").find("\nProgramIcon ICON \"<RESOURCEDIR>\\\\a.ico\"\n"), std::string::npos)
@@ -171,6 +173,9 @@ TEST_F(NewProgram, TheIconIsNamedFromTheResourceFolder) {
 }
 
 TEST_F(NewProgram, AnIconMayHaveAnyName) {
+    std::filesystem::create_directory(dir + "work/a");
+    for (const char* const name : {"a (1).ico", "\xC3\xA4.ico", "#1 $x$.ico", "a'b.ico", ").ico", "a/b.ico"})
+        write("work/" + std::string(name), "icon");
     makeTool({"work/App1.cls"});
     for (const char* const name :
          {"a (1).ico", "\xC3\xA4.ico", "#1 $x$.ico", "a'b.ico", ").ico", "a\\b.ico"}) {
@@ -278,6 +283,41 @@ TEST_F(NewProgram, AFolderThatCannotBeWrittenIsTold) {
     EXPECT_FALSE(IsLoaded(ProjectEditorDlg));
     std::filesystem::current_path(dir);
     std::filesystem::permissions(dir + "work", std::filesystem::perms(0755));
+}
+
+// ---- a class in another folder ----
+
+TEST_F(NewProgram, TheFolderOfAClassElsewhereIsAskedAbout) {
+    write("work/a.cls", Main);
+    std::filesystem::create_directory(dir + "far");
+    openProgram({"work/a.cls"});
+    const std::string question =
+        "'" + dir +
+        "far/' should be added to the inherited class path.\nDo you want to add it now?\nIf not, you "
+        "should add it later using the Tools-Options-Paths command.";
+    for (const char* const answer : {"No", "Yes"}) {
+        asked.clear();
+        answers = {answer};
+        fill({{"Name", "Books" + std::string(answer)}, {"Directory", dir + "far/"}});
+        newClass();
+        ASSERT_EQ(asked.size(), 1U) << answer;
+        EXPECT_EQ(asked[0].title, "New Class");
+        EXPECT_EQ(asked[0].text, question);
+        EXPECT_EQ(PROFILESTRGET(ini(), "PathsOptionsDlg", "Edit1"),
+                  dir + "lib" + (std::string(answer) == "Yes" ? ";" + dir + "far/" : ""));
+    }
+    EXPECT_EQ(SYMGETUSES(1, dir + "work/a.cls"), "BooksNo BooksYes");
+    asked.clear();
+    fill({{"Name", "Third"}, {"Directory", dir + "far/"}});
+    newClass();
+    EXPECT_TRUE(asked.empty()) << "the folder is an inherited one by now";
+}
+
+TEST_F(NewProgram, WithoutAProgramNoFolderIsAskedAbout) {
+    std::filesystem::create_directory(dir + "far");
+    fill({{"Name", "Books"}, {"Directory", dir + "far/"}});
+    newClass();
+    EXPECT_TRUE(asked.empty()) << lastText();
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 // The properties of a program: which block is shown, what the sheet takes, and what is written.
 #include "ide/program/progprops.h"
 
+#include "ide/editor/seenfile.h"
 #include "library/designer/propedit_sheet.h"
 #include "library/dialogs/versioninfo.h"
 #include "unit/ide/program/members/members_fixture.h"
@@ -170,6 +171,26 @@ TEST_F(ProgProps, AVersionThatIsNumberedCanBeRemoved) {
     });
     EXPECT_EQ(told(), std::vector<std::string>{"Removed 1 from '" + dir + "prog/main.rc'\n"});
     EXPECT_EQ(rc(), "");
+}
+
+TEST_F(ProgProps, AResourceFileInTheCodeWindowIsSavedFirstAndShowsTheBlockThen) {
+    write("prog/main.rc", "Main DIALOG\nEND\n" + std::string(Numbered));
+    EDITWNDOPEN(SDIEdit, dir + "prog/main.rc", false, 0);
+    type("// typed\n");
+    answers = {"&Cancel"};
+    EXPECT_EQ(show([] { ADD_FAILURE() << "the sheet has come"; }), PropertiesResult::Cancel);
+    doings.clear();
+    EXPECT_TRUE(GetModify(SDIEdit));
+    answers = {"&Yes"};
+    EXPECT_EQ(show([] {
+                  SetText(value(2), "Bob");
+                  ok();
+              }),
+              PropertiesResult::Save);
+    EXPECT_NE(rc().find("// typed"), std::string::npos);
+    EXPECT_NE(rc().find("\"Bob\""), std::string::npos);
+    EXPECT_EQ(GetText(SDIEdit), rc());
+    EXPECT_EQ(NEWCHANGEOUTSIDE(SDIEdit, dir + "prog/main.rc"), OutsideChange::None);
 }
 
 }  // namespace

@@ -354,5 +354,16 @@ TEST_F(ProjList, ThreeHundredClasses) {
     EXPECT_EQ(list(names).size(), 300u);
 }
 
+TEST_F(ProjList, AllResourcesOfAFileHoweverManyTheyAre) {
+    std::string text;
+    for (int n = 1; n <= 3000; ++n)
+        text += "picture" + STR(n) + " BITMAP \"" + std::string(40, 'p') + ".bmp\"\n";
+    write("main.rc", text);
+    const std::vector<ProjectItem> items = list({"main.rc"});
+    ASSERT_EQ(items.size(), 3002u) << "two groups, and the members of one";
+    EXPECT_EQ(items.back().name, "picture3000");
+    EXPECT_EQ(items.back().picture, "file4.bmp");
+}
+
 }  // namespace
 }  // namespace tarn

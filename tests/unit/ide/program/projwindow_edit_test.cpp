@@ -145,5 +145,25 @@ TEST_F(ProjWindow, ASaveMeansTheActiveWindow) {
     EXPECT_EQ(GETSAVEWINDOW(), "sdiedit");
 }
 
+TEST_F(ProjWindow, APictureThatNoProgramOpensIsToldWithTheProgramsThatAreMissing) {
+    open();
+    const std::string picture = write("a.bmp", "picture");
+    write("main.rc", "a BITMAP \"a.bmp\"\n");
+    PROJECTREFRESH(ProjectEditorDlg);
+    choose(3);
+    static_cast<void>(key(KEY_RIGHT));
+    choose(4);
+    const Variable path("PATH", dir + "none");
+    PROJECTITEMEDIT(ProjectEditorDlg);
+    Stamp(0, ReportErrors, DefaultErrorHandler);
+    ASSERT_EQ(asked.size(), 1U) << shownRows();
+    EXPECT_EQ(asked[0].title, "Error");
+    EXPECT_EQ(lastText(),
+              "Executable file or path not found (error 901).\nCannot run external program.\nNeither "
+              "'mspaint' nor 'xdg-open' is there to open '" +
+                  picture + "'. Install one of them, and try again.");
+    EXPECT_EQ(ErrorCell(), 0);
+}
+
 }  // namespace
 }  // namespace tarn

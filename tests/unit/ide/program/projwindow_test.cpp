@@ -318,5 +318,17 @@ TEST_F(ProjWindow, FiveThousandRows) {
     EXPECT_EQ(PROJECTITEMGETPOS(ProjectEditorDlg, 5000), (ProjectPlace{2500, 1}));
 }
 
+TEST_F(ProjWindow, AMainFileThatHasGoneIsToldAtARefreshAndTheRowsStay) {
+    open();
+    const std::string before = shownRows();
+    std::filesystem::remove(file);
+    PROJECTREFRESH(ProjectEditorDlg);
+    Stamp(0, ReportErrors, DefaultErrorHandler);
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(lastText(),
+              "It is not possible to open/update the window.\nThe file '" + file + "' was not found.");
+    EXPECT_EQ(shownRows(), before);
+}
+
 }  // namespace
 }  // namespace tarn

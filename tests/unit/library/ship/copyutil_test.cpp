@@ -33,11 +33,13 @@ TEST_F(ShipCopies, OneFloppyDiskIsNoPlural) {
 }
 
 TEST_F(ShipCopies, AMissingOrTooLargeFileBlocksTheFloppy) {
-    for (const std::string& files : {file("a", 1) + dir / "none\n", file("a", 1001)}) {
+    for (const std::string& files : {file("a", 1) + dir / "none\n", file("b", 1001)}) {
         EXPECT_FALSE(COPYTOFLOPPY(owner, files, drive));
         EXPECT_EQ(lastText(),
                   "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on "
-                  "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.");
+                  "the disk.\n(the disk size is 1000 bytes)\nTry copying to a Zip file instead.\n'" +
+                      (asked.size() == 1 ? dir / "none" + "' does not exist."
+                                         : dir / "files/b" + "' is too large."));
     }
     EXPECT_EQ(asked.size(), 2U);
 }
@@ -112,7 +114,8 @@ TEST_F(ShipCopies, AMissingFileBlocksTheFolderBeforeItIsLookedAt) {
     EXPECT_FALSE(COPYTOFOLDER(owner, file("a", 1) + dir / "none\n", dir / "to"));
     EXPECT_EQ(lastText(),
               "Cannot copy files.\nSome of the files do not exist, or they are too large to fit on the "
-              "disk.\n(the disk size is 600000000 bytes)");
+              "disk.\n(the disk size is 600000000 bytes)\n'" +
+                  dir / "none" + "' does not exist.");
     EXPECT_EQ(asked.size(), 1U);
     EXPECT_EQ(read("to/a"), "old");
 }
@@ -191,7 +194,8 @@ TEST_F(ShipCopies, TheZipProgramIsAskedForFirstThenUnzip) {
     EXPECT_FALSE(COPYTOZIP(owner, missing, ""));
     EXPECT_EQ(lastText(),
               "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the zip "
-              "file.\n(the maximum zip file size is 600000000 bytes)");
+              "file.\n(the maximum zip file size is 600000000 bytes)\n'" +
+                  dir / "none" + "' does not exist.");
     EXPECT_EQ(asked.size(), 3U);
 }
 
@@ -271,7 +275,8 @@ TEST_F(ShipInstallers, TheProgramIsAskedForThenTheFiles) {
     EXPECT_FALSE(run(dir / "none\n"));
     EXPECT_EQ(lastText(),
               "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
-              "installer.\n(the maximum size of the files to be installed is 600000000 bytes)");
+              "installer.\n(the maximum size of the files to be installed is 600000000 bytes)\n'" +
+                  dir / "none" + "' does not exist.");
     EXPECT_EQ(asked.size(), 2U);
 }
 
@@ -369,7 +374,8 @@ TEST_F(ShipDebs, EachToolIsAskedForThenTheFilesThenAName) {
     EXPECT_FALSE(run());
     EXPECT_EQ(lastText(),
               "Cannot copy files.\nSome of the files do not exist, or they are too large to fit in the "
-              "package.\n(the maximum size of the files to be packed is 600000000 bytes)");
+              "package.\n(the maximum size of the files to be packed is 600000000 bytes)\n'" +
+                  dir / "none" + "' does not exist.");
     files = file("a", 1);
     answers = {""};
     EXPECT_FALSE(run());

@@ -104,8 +104,7 @@ TEST_F(ModelTest, LoadOfWhatIsNotThereTellsWhy) {
     EXPECT_EQ(Load(main, folder / "absent.rc", "Main"),
               "'" + (folder / "absent.rc") + "' cannot be read. " +
                   std::string(os::describe(os::FileError::NotFound)));
-    EXPECT_EQ(Load(main, folder / "a.rc", "None"),
-              "'" + (folder / "a.rc") + "', line 1: 'None' was not found.");
+    EXPECT_EQ(Load(main, folder / "a.rc", "None"), "'None' was not found in '" + (folder / "a.rc") + "'.");
     EXPECT_FALSE(IsLoaded(main));
 }
 

@@ -77,6 +77,28 @@ TEST_F(Make, TheRunTimeLibraryIsAmongTheTargetsAndTheEditWindowsWhereThereIsOne)
                             "tools/libtarnwick-edit.so tools/tarnwick-fatal ");
 }
 
+TEST_F(Make, FilesThatTheResourcesNameAreAmongTheTargetsEachOnce) {
+    write("tools/libtarnwick.so", "library");
+    write("b.rc", "note INCFILE \"note.txt\"\nagain INCFILE \"note.txt\"\nface BITMAP \"face.bmp\"\n"
+                  "gone INCFILE \"sub\\\\gone.wav\"\ndb DBFILE PRELOAD \"data.dbf\"\nother DBFILE PRELOAD "
+                  "\"other.dbf\"\n");
+    write("c.rc", "same INCFILE \"" + dir + "note.txt\"\nmark ICON \"mark.ico\"\n");
+    write("note.txt", "note");
+    write("data.dbf", "");
+    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so mark.ico note.txt sub/gone.wav data.dbf ")
+        << "one that is not there is named as well; a table only where it is, and a picture is in the "
+           "companion";
+}
+
+TEST_F(Make, PlaceholdersInTheResourcesStandForTheFoldersOfTheSettings) {
+    write("tools/libtarnwick.so", "library");
+    write("res/x.wav", "wave");
+    write("tools/y.xml", "<y/>");
+    write("tools/ide.ini", "[ordo]\nCLS=quarn.exe\n[PathsOptionsDlg]\nEdit5=" + dir + "res/\n");
+    write("b.rc", "x INCFILE \"<RESOURCEDIR>\\\\x.wav\"\ny INCFILE \"{COMPILERDIR}\\\\y.xml\"\n");
+    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so res/x.wav tools/y.xml ");
+}
+
 // As a device such as /dev/null would be.
 TEST_F(Make, APipeThatIsNamedForTheAnswerIsNotReplaced) {
     const std::string pipe = dir + "pipe";

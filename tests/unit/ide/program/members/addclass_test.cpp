@@ -359,5 +359,48 @@ TEST_F(AddClass, AClauseThatCannotBeChangedIsTold) {
     EXPECT_EQ(text("prog/main.cls"), longText);
 }
 
+TEST_F(AddClass, AClassOfAnotherNameThanItsFileIsRefused) {
+    open();
+    const std::string file = write("prog/ring.cls", classText("Other")), before = everything();
+    add(file);
+    EXPECT_EQ(told(),
+              std::vector<std::string>{form(
+                  file, "cannot be added to the program. It holds the class 'Other', and a class must be "
+                        "called like its file.\nRename the file or the class, and try again.\n")});
+    EXPECT_EQ(everything(), before);
+    add(write("prog/RING.cls", classText("ring")));
+    EXPECT_TRUE(told().empty()) << "in any case";
+}
+
+TEST_F(AddClass, FilesThatTheResourceFileNamesAreCopiedIfTheUserSaysSo) {
+    open();
+    std::filesystem::create_directory(dir + "far/pics");
+    write("far/x.bmp", "picture");
+    write("far/pics/y.ico", "icon");
+    write("far/n.txt", "note");
+    write("prog/n.txt", "mine");
+    write("far/cc.rc",
+          "x BITMAP \"x.bmp\"\nagain BITMAP \"x.bmp\"\ny ICON \"pics\\\\y.ico\"\nn INCFILE \"n.txt\"\n"
+          "gone INCFILE \"gone.txt\"\nr BITMAP \"<RESOURCEDIR>\\\\r.bmp\"\nf BITMAP \"" +
+              dir + "far/x.bmp\"\n");
+    const std::string file = write("far/cc.cls", classText("Cc"));
+    add(file, {"Copy file", "Yes"});
+    ASSERT_EQ(told().size(), 2U);
+    EXPECT_EQ(
+        told()[1],
+        "The resource file (cc.rc) names the following file(s), which are not in the main program "
+        "folder:\n\n\tx.bmp\n\tpics/y.ico\n\nDo you want to copy them too?\nIf not, you should copy them "
+        "later, or the program cannot be built or does not find them.\n");
+    EXPECT_EQ(text("prog/x.bmp"), "picture");
+    EXPECT_EQ(text("prog/pics/y.ico"), "icon");
+    EXPECT_EQ(text("prog/n.txt"), "mine") << "what is there stays";
+    write("far/dd.rc", "z BITMAP \"z.bmp\"\n");
+    write("far/z.bmp", "picture");
+    add(write("far/dd.cls", classText("Dd")), {"Copy file", "No"});
+    EXPECT_EQ(told().size(), 2U);
+    EXPECT_TRUE(there("prog/dd.rc"));
+    EXPECT_FALSE(there("prog/z.bmp"));
+}
+
 }  // namespace
 }  // namespace tarn

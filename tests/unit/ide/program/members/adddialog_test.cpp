@@ -269,5 +269,20 @@ TEST_F(AddDialog, ATargetThatIsReadOnlyIsToldAndNothingChanges) {
     EXPECT_EQ(everything(), before);
 }
 
+TEST_F(AddDialog, PicturesThatTheProgramLacksAreTold) {
+    write("far/p.rc",
+          "pic BITMAP \"x.bmp\"\nhas BITMAP \"x.bmp\"\nbox DIALOG\n  POSITION=0 0 50 50\n  Image a 300\n"
+          "  PICTURE=\"pic\"\n  Image b 301\n  PICTURE=\"has\"\n  Image c 302\n  PICTURE=\"y.bmp\"\n"
+          "  Image d 303\n  PICTURE=\"z.bmp\"\nEND\n");
+    write("prog/main.rc", dialog("Ask") + "has BITMAP \"h.bmp\"\n");
+    write("prog/z.bmp", "picture");
+    add(dir + "far/p.rc", "box");
+    ASSERT_EQ(told().size(), 2U) << lastText();
+    EXPECT_EQ(told()[0], "Added box from '" + dir + "far/p.rc'");
+    EXPECT_EQ(told()[1], "Dialog box names the following picture(s), which the program does not "
+                         "have:\n\n\tpic\n\ty.bmp\n\nAdd them with Program-Add File, or choose others in the "
+                         "dialog editor.\n");
+}
+
 }  // namespace
 }  // namespace tarn

@@ -3,6 +3,7 @@
 // Adding a file to a resource file: which, where, and under what name.
 #include "ide/program/members/addfile.h"
 
+#include "ide/editor/seenfile.h"
 #include "kernel/windows/resources.h"
 #include "unit/ide/program/members/members_fixture.h"
 
@@ -175,6 +176,24 @@ TEST_F(AddFile, LineEndsOfTheFileAreKept) {
     write("prog/main.rc", "// mine\r\nD DIALOG\r\nEND\r\n");
     add(write("far/note.txt", "x"));
     EXPECT_EQ(STRREPLACE(rc(), "\r\n", "").find('\n'), std::string::npos) << rc();
+}
+
+TEST_F(AddFile, AResourceFileInTheCodeWindowIsSavedFirstAndShowsTheLineThen) {
+    EDITWNDOPEN(SDIEdit, dir + "prog/main.rc", false, 0);
+    type("// typed\n");
+    const std::string file = write("far/a.txt", "x"), before = rc();
+    answers = {file, "&Cancel"};
+    run([] { PROJECTADDFILE("Program-Add File"); });
+    EXPECT_EQ(rc(), before);
+    EXPECT_TRUE(GetModify(SDIEdit));
+    answers = {file, "&Yes"};
+    run([] { PROJECTADDFILE("Program-Add File"); });
+    EXPECT_EQ(told()[0], dir + "prog/main.rc\nThis file has been changed. Do you want to save the changes?");
+    EXPECT_NE(rc().find("// typed"), std::string::npos);
+    EXPECT_NE(rc().find("a_txt INCFILE"), std::string::npos);
+    EXPECT_EQ(GetText(SDIEdit), rc());
+    EXPECT_FALSE(GetModify(SDIEdit));
+    EXPECT_EQ(NEWCHANGEOUTSIDE(SDIEdit, dir + "prog/main.rc"), OutsideChange::None);
 }
 
 }  // namespace

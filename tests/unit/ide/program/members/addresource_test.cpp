@@ -254,5 +254,18 @@ TEST_F(AddResource, AFileOf255DialogsGetsAllFunctions) {
     for (const int n : {1, 2, 128, 255}) EXPECT_TRUE(hasFunction(made, "dlg" + STR(n))) << n;
 }
 
+TEST_F(AddResource, FilesThatItNamesAreCopiedIfTheUserSaysSo) {
+    open();
+    write("far/x.bmp", "picture");
+    const std::string file = write("far/pics.rc", "x BITMAP \"x.bmp\"\n" + dialog("ask"));
+    add(file, {"Copy file", "Yes"});
+    ASSERT_EQ(told().size(), 2U);
+    EXPECT_TRUE(
+        told()[1].starts_with("The resource file (pics.rc) names the following file(s), which are not in "
+                              "the main program folder:\n\n\tx.bmp\n"));
+    EXPECT_EQ(text("prog/x.bmp"), "picture");
+    EXPECT_EQ(uses("prog/main.cls"), "Shapes pics");
+}
+
 }  // namespace
 }  // namespace tarn
