@@ -7,7 +7,7 @@
 
 #include <string>
 
-MODULE("idecore", tarn::RESULTS_ONERROR)
+MODULE("ide")
 
 namespace tarn {
 
