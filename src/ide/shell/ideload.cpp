@@ -21,8 +21,6 @@
 #include "ide/shell/welcome.h"
 #include "ide/shell/windowplace.h"
 #include "ide/shell/windows.h"
-#include "kernel/windows/resources.h"
-#include "library/designer/proputil.h"
 #include "library/dialogs/commdlgs.h"
 #include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
@@ -142,21 +140,22 @@ void waitForFrame() {
     WaitEvents(first, false);
     for (int waited = first; waited < most && IsLoaded(Main) && frameWidth() == 0; waited += step)
         WaitEvents(step, false);
+    if (IsLoaded(Main) && frameWidth() != 0) WaitEvents(step, false);  // for what follows from it
 }
 
 // Of the Program Window, as it opens at first.
 int programWidth() {
-    ObjectArray objects;
-    if (!ResourceRead(ApplicationResources(), ProjectEditorDlg.window(), objects).empty()) return 0;
-    return RCUNITSTOPIXELS(Main, GETPROPPOSITION(objects[0])).w + frameWidth();
+    const Object measured("MeasureDlg");  // without its function, and never shown
+    if (!Load(measured, ApplicationResources(), ProjectEditorDlg.window()).empty()) return 0;
+    const int width = GetPosition(measured, CLIENT_UNIT).w + frameWidth();
+    Unload(measured);
+    return width;
 }
 
 // At the first start the Code window takes the room below the main window, and leaves the error window's at the bottom and
 // the Program Window's at the right.
 void placeCodeWindow() {
-    if (HASPLACE("Sdiedit")) return;
-    waitForFrame();
-    if (!IsLoaded(Main)) return;  // the user has closed it meanwhile
+    if (HASPLACE("Sdiedit") || !IsLoaded(Main) || !IsLoaded(SDIEdit)) return;  // the user may have closed them
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
     const int width = std::max(screen.w - std::max(programWidth(), screen.w / 4), screen.w / 2);
@@ -243,6 +242,8 @@ void showMainWindow() {
     STAMP();
     SPLASHDLG_UNLOAD();
     STAMP();
+    if (!HASPLACE("Sdiedit")) waitForFrame();
+    STAMP();
     placeCodeWindow();
     STAMP();
 }
@@ -277,7 +278,12 @@ void DO_LOAD() {
     goToLastFolder(ini);
     STAMP();
     showMainWindow();
+    const Rect placed = IsLoaded(SDIEdit) ? GetPosition(SDIEdit, WINDOW_UNIT) : Rect{};
+    STAMP();
     if (IsLoaded(Main)) open(ini, file);
+    STAMP();
+    // The frame of the main window may have come late; where the user has put the Code window it stays.
+    if (IsLoaded(SDIEdit) && GetPosition(SDIEdit, WINDOW_UNIT) == placed) placeCodeWindow();
     STAMP();
 }
 
