@@ -4,6 +4,7 @@
 #include "ide/build/compiler.h"
 #include "ide/build/textview.h"
 #include "ide/build/toolrun.h"
+#include "ide/designer/dlgedit.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
@@ -37,7 +38,7 @@ bool mayBuildUntitled(const std::string& title, std::string& file) {
 
 bool isThere(const std::string& title, const std::string& file, std::int64_t least) {
     if (FileSize(file) >= least) return true;
-    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n'" + file +
+    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n\t'" + file +
                       "'\n\nis empty or does not exist.");
     return false;
 }
@@ -45,8 +46,10 @@ bool isThere(const std::string& title, const std::string& file, std::int64_t lea
 // The file may have gone from the disk since it was opened.
 bool mayBuildOpenFile(const std::string& title, const std::string& file) {
     SAVEALL();
-    if (!hasUnsavedClass()) return isThere(title, file, 0);
-    MSGBOX(title, "You must save this class before using '" + title + "'.");
+    const bool unsavedClass = hasUnsavedClass();
+    if (!unsavedClass && !DIALOGGETMODIFY()) return isThere(title, file, 0);
+    MSGBOX(title, std::string("You must save this ") + (unsavedClass ? "class" : "dialog") +
+                      " before using '" + title + "'.");
     return false;
 }
 
@@ -63,19 +66,10 @@ bool mayBuild(const std::string& title, std::string& file) {
     return isOpenFile(file) ? mayBuildOpenFile(title, file) : mayBuildOtherFile(title, file);
 }
 
-bool isMain(const std::string& title, const std::string& file) {
-    if (ISMAINCLASS(file)) return true;
-    MSGBOX(title,
-           "File '" + file + "' is not a main class.\n'" + title +
-               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
-               "command.");
-    return false;
-}
-
 bool hasMakeTool(const std::string& title) {
     const std::string tool = GETORDOEXE();
     if (!FINDTOOL(tool).empty()) return true;
-    MSGBOX(title, "Cannot find the ORDO program. It should be in the following file:\n'" + tool +
+    MSGBOX(title, "Cannot find the ORDO program. It should be in the following file:\n\t'" + tool +
                       "'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\ncontains the "
                       "ORDO.EXE program file.");
     return false;
@@ -109,12 +103,25 @@ void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::st
     STAMP();
     if (!mayBuild(title, file) || file.empty()) return;
     STAMP();
-    if (!isMain(title, file)) return;
+    if (!ISBUILDABLE(title, file)) return;
     STAMP();
     const bool ran = make(makeOptions, file);
     STAMP();
     if (!ran) return;
     ok = UPDATEERRORWINDOW(GETCOMPILERDIR());
+}
+
+bool ISBUILDABLE(const std::string& title, const std::string& file) {
+    FRAME(ISBUILDABLE);
+    STAMP();
+    if (ISMAINCLASS(file)) return true;
+    STAMP();
+    MSGBOX(title,
+           "File '" + file + "' is not a main class.\n'" + title +
+               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
+               "command.");
+    STAMP();
+    return false;
 }
 
 bool UPDATEERRORWINDOW(const std::string& compilerDir) {
@@ -157,7 +164,7 @@ void RUN_COMPILE(const Object& window) {
     if (GetModify(window)) return MSGBOX(title, "You have to save this class before compiling it.");
     const std::string file = EDITWNDGETFILENAME(window);
     if (!ISCLASSFILE(file))
-        return MSGBOX(title, "The following class:\n\n'" + file +
+        return MSGBOX(title, "The following class:\n\n\t'" + file +
                                  "'\n\ncannot be compiled because it does not have the correct extension "
                                  "(*.cls)\nSave the class with the extension '.cls' then recompile it.");
     STAMP();
@@ -170,7 +177,7 @@ bool ISUPTODATE(const std::string& file) {
     FRAME(ISUPTODATE);
     STAMP();
     if (file.empty() || file == Untitled || !ISCLASSFILE(file)) return false;
-    if (isOpenFile(file) && hasUnsavedClass()) return false;
+    if (isOpenFile(file) && (hasUnsavedClass() || DIALOGGETMODIFY())) return false;
     if (!isOpenFile(file) && FileSize(file) < 1) return false;
     STAMP();
     const DependencyList stale = LOADDEPLIST(file, "/fq", true);

@@ -121,7 +121,7 @@ namespace {
 std::string compileObstacle(const std::string& file) {
     const std::string compiler = GETCOMPILEREXE();
     if (FINDTOOL(compiler).empty())
-        return "Cannot find the compiler. It should be in the following file:\n'" + compiler +
+        return "Cannot find the compiler. It should be in the following file:\n\t'" + compiler +
                "'\n\nUse Tools-Options-Paths to make sure it is in the directory specified by the compiler "
                "file "
                "path.\n";
@@ -141,6 +141,8 @@ struct Compilation {
 
 Compilation runCompiler(const std::string& file, int windowMode) {
     std::string line = SAVECOMMANDLINE(GETCOMPILEROPTIONS(), 1, false);
+    // A file is opened by its name as given, and not as the line has the extension.
+    line = STRREPLACE(line, "^" + std::string(ClassExtension), "^" + FILEGETEXT(file));
     line = FILESUBSTITUTENAME(line, "^", STRREPLACE(FILEGETDIR(file) + FILEBASENAME(file), "\"", "\"\""));
     std::vector<std::string> words = SPLITARGUMENTS(line);
     words.erase(words.begin());  // the compiler itself

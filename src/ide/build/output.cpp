@@ -6,6 +6,7 @@
 #include "ide/debug/debugwatch.h"
 #include "ide/shell/ide.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/windowplace.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "kernel/windows/quietly.h"
@@ -323,7 +324,7 @@ void load(const Object& window) {
         frame.x = main.x + 60;
         frame.y = main.y + main.h + 60;
     }
-    if (PROFILESTRGET(ini, "OutputDlg", "_Position").empty()) SetPosition(window, WINDOW_UNIT, frame);
+    if (!HASPLACE("OutputDlg")) SetPosition(window, WINDOW_UNIT, frame);
     LOADINIFILE(ini, window, true, false);
     const std::string font = IsLoaded(SDIEdit) ? GetFontName(SDIEdit) : "";
     SetFontName(part("edit1"), font.empty() ? "monospace" : font);

@@ -82,7 +82,7 @@ bool agrees(const std::string& title, const std::string& text) {
 }
 
 bool mayRebuildAll(const std::string& title, const std::string& file) {
-    return agrees(title, "The following program:\n'" + file +
+    return agrees(title, "The following program:\n\t'" + file +
                              "'\nmust be compiled with 'Full debugging' information before using the "
                              "debugger.\nDo you want to compile with 'Full debugging' information and debug "
                              "it?");
@@ -91,7 +91,7 @@ bool mayRebuildAll(const std::string& title, const std::string& file) {
 // A program that is missing or out of date is rebuilt without a question.
 bool mayRebuild(const std::string& title, const std::string& exe, const std::string& state) {
     constexpr bool asks = false;
-    return !asks || agrees(title, "The following program:\n'" + exe + "'\n" + state + " Rebuild now?");
+    return !asks || agrees(title, "The following program:\n\t'" + exe + "'\n" + state + " Rebuild now?");
 }
 
 bool build(const std::string& title, const char* options, std::string& file) {
@@ -109,10 +109,18 @@ bool makeReady(const std::string& title, const StartFacts& facts, std::string& f
     return true;
 }
 
+// A text that has changed may be a main class once it has been saved, and what is not there is told by the build.
+bool isKnownAsPart(const std::string& file) {
+    if (FileSize(file) < 1 || (IsLoaded(SDIEdit) && GetModify(SDIEdit))) return false;
+    return !ISMAINCLASS(file);
+}
+
 // The same with full debug information in every class.
 bool makeReadyForDebugger(const std::string& title, const StartFacts& facts, std::string& file) {
     const bool current = facts.upToDate && facts.allCompiledWithD2 && FileSize(exeOf(file)) > 0;
     const bool quick = current || facts.compiledFilesHaveD2;
+    if (!quick && isKnownAsPart(file)) return ISBUILDABLE(title, file);
+    STAMP();
     if (!quick && !mayRebuildAll(title, file)) return false;
     STAMP();
     if (!facts.optionsHaveD2) SETCOMPILEROPTION("-D2");

@@ -5,6 +5,7 @@
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/windowplace.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/data/dbutil.h"
@@ -92,7 +93,7 @@ void helpOnError(const Object& window) {
 void place(const Object& window) {
     const std::string ini = GETIDEINIFILE();
     LOADINIFILE(ini, window, true, false);
-    if (!PROFILESTRGET(ini, "Viewdlg", "_Position").empty()) return;
+    if (HASPLACE("Viewdlg")) return;
     const Rect screen = ScreenSize();
     const int height = screen.h / 5;
     SetPosition(window, WINDOW_UNIT, Rect{screen.x, screen.y + screen.h - height, screen.w, height});

@@ -148,15 +148,14 @@ void DIALOGREDRAW() {
 
 namespace {
 
-void assertInvertible(const std::string& list, const LetterSize& letter) {
-    FRAME(ASSERTINVERTIBLE);
+// A position that does not come back from pixels: the user would move it by looking at it.
+std::string positionFault(const std::string& list, const LetterSize& letter) {
     const UnitRect start = GETPROPPOSITION(list);
     const UnitRect again = PIXELSTORCUNITS(letter, RCUNITSTOPIXELS(letter, start));
-    STAMP();
-    Assert(start == again, "Position of " + GETPROPVALUE(list, "NAME") +
-                               " is not invertible.\nStart position=" + POSITIONTEXT(start) +
-                               "\nRecalculated position=" + POSITIONTEXT(again) + "\n");
-    STAMP();
+    if (start == again) return {};
+    return "Position of " + GETPROPVALUE(list, "NAME") +
+           " is not invertible.\nStart position=" + POSITIONTEXT(start) +
+           "\nRecalculated position=" + POSITIONTEXT(again) + "\n";
 }
 
 void fill(const Object& list, const ObjectArray& objects) {
@@ -207,19 +206,29 @@ void loadEditor(const DialogOpening& opening) {
     STAMP();
 }
 
-void fillDialog(const ObjectArray& objects) {
+void tellLoadError(const DialogOpening& opening, const std::string& error) {
+    MSGBOX(DialogEditorTitle, "Can't load properties for '" + opening.dialog + "' from file '" +
+                                  opening.file + "'.\n" + error);
+}
+
+// False, and told, if the dialog cannot be edited.
+bool fillDialog(const DialogOpening& opening, const ObjectArray& objects) {
     FRAME(FILLDIALOG);
     STAMP();
     Clear(DATALIST());
     Clear(MENULIST());
     const LetterSize letter = LETTERSIZE(DialogDlg);
+    std::string fault;
     for (const std::string& one : objects) {
-        if (one.empty()) break;
-        assertInvertible(one, letter);
+        if (one.empty() || !fault.empty()) break;
+        fault = positionFault(one, letter);
     }
+    STAMP();
+    if (!fault.empty()) return tellLoadError(opening, fault), false;
     fill(DATALIST(), objects);
     SELECTOBJECT(0);
     STAMP();
+    return true;
 }
 
 // False if the user does not want the dialog without its menu.
@@ -254,16 +263,14 @@ void DIALOGOPEN(const DialogOpening& opening) {
     const std::string error = ResourceRead(opening.file, opening.dialog, objects);
     STAMP();
     if (!error.empty()) {
-        MSGBOX(DialogEditorTitle, "Can't load properties for '" + opening.dialog + "' from file '" +
-                                      opening.file + "'.\n" + error);
+        tellLoadError(opening, error);
         objects.fill("");
     }
     STAMP();
     bool opened = !objects[0].empty();
     if (opened) {
         loadEditor(opening);
-        fillDialog(objects);
-        opened = fillMenu(opening, GETPROPVALUE(objects[0], "MENU"));
+        opened = fillDialog(opening, objects) && fillMenu(opening, GETPROPVALUE(objects[0], "MENU"));
     }
     STAMP();
     if (!opened) {

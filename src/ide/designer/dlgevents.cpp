@@ -184,7 +184,7 @@ void loaded() {
 int sizeFrom(int client, int offsets, int most, int before) {
     const int drawn = ZOOMEDPIXELS(DialogDlg, before + offsets);
     const bool cut = most > 0 && client >= most && drawn > most;
-    return cut || client == drawn ? before : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, 0);
+    return cut || client == drawn ? before : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, LEAST_SIDE);
 }
 
 // A window that is drawn on hears of other colours as of another size.
@@ -206,14 +206,14 @@ void resized() {
     const Rect window = GetPosition(DialogDlg, CLIENT_UNIT), most = GetMaxPosition(DialogDlg);
     if (ISGIVENSIZE(window)) return;
     const UnitRect before = GETPROPPOSITION(list);
-    Rect pixels = RCUNITSTOPIXELS(DialogDlg, before);
+    const LetterSize letter = LETTERSIZE(DialogDlg);
+    Rect pixels = RCUNITSTOPIXELS(letter, before);
     const Rect old = pixels;
     pixels.w = sizeFrom(window.w, offsets.w, most.w, pixels.w);
     pixels.h = sizeFrom(window.h, offsets.h, most.h, pixels.h);
     STAMP();
     if (pixels == old) return;
-    const UnitRect units = PIXELSTORCUNITS(DialogDlg, pixels);
-    const UnitRect after{before.x, before.y, units.w, units.h};
+    const UnitRect after = UNITSAFTER(letter, before, old, pixels);
     STAMP();
     if (after == before) return;
     SETPROPPOSITION(list, after);

@@ -73,7 +73,8 @@ bool track(int index) {
     FRAME(TRACK);
     const UnitRect before = DESIGNPLACE(index);
     const Rect client = clientArea();
-    const Rect start = pixelsOf(index, client, LETTERSIZE(DialogDlg));
+    const LetterSize letter = LETTERSIZE(DialogDlg);
+    const Rect start = pixelsOf(index, client, letter);
     STAMP();
     Rect now = TrackRect(DialogDlg, TRACK_MOVE, {HANDLEPIXELS(DialogDlg), 12, 12, 1}, client, start,
                          guidesFor(index, client));
@@ -81,7 +82,7 @@ bool track(int index) {
     if (!IsLoaded(DialogDlg) || now == start) return false;
     now.x -= client.x;
     now.y -= client.y;
-    const UnitRect after = PIXELSTORCUNITS(DialogDlg, now);
+    const UnitRect after = UNITSAFTER(letter, before, RCUNITSTOPIXELS(letter, before), now);
     STAMP();
     if (after == before) return false;
     DESIGNSTEP([&] {

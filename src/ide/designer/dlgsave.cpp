@@ -8,6 +8,7 @@
 #include "ide/designer/dlghistory.h"
 #include "ide/designer/dlgstep.h"
 #include "ide/designer/files/dlgcode.h"
+#include "ide/designer/files/dlgtest.h"
 #include "ide/designer/properties/propwindow.h"
 #include "ide/designer/toolbox.h"
 #include "ide/editor/ownwrites.h"
@@ -130,10 +131,25 @@ bool rename(Save& save) {
     return true;
 }
 
+// The menu that the dialog has in the file.
+std::string menuInFile(const Save& save) {
+    ObjectArray objects;
+    if (!ResourceRead(save.file, DIALOGGETDLGNAME(), objects).empty()) return {};
+    return GETPROPVALUE(objects[0], "MENU");
+}
+
+// A menu that the user has deleted goes from the file too, unless another dialog shows it.
+void dropMenu(const Save& save, const std::string& before) {
+    if (STREQUAL(before, GETPROPVALUE(DESIGNITEM(-1), "NAME"))) return;
+    if (const std::string error = DROPMENU(save.file, before); !error.empty()) tell(error);
+}
+
 bool write(Save& save) {
+    const std::string menu = menuInFile(save);
     const std::string error =
         ResourceWrite(TSTRINGARRAY(DATALIST()), TSTRINGARRAY(MENULIST()), save.file, DIALOGHISTORYPAST());
     if (!error.empty()) return tell(error), false;
+    dropMenu(save, menu);
     SHOWOWNWRITE(save.file);
     NOTEDIALOGSEEN(save.file, DIALOGGETDLGNAME());
     DIALOGHISTORYSAVED();

@@ -3,6 +3,7 @@
 
 #include "ide/build/toolrun.h"
 #include "ide/designer/check/dlgcheck.h"
+#include "ide/designer/dlgedit.h"
 #include "ide/designer/files/dlgtest.h"
 #include "ide/designer/files/openresource.h"
 #include "ide/editor/bitmaptext.h"
@@ -109,6 +110,23 @@ void DO_EXPLORE_RCFILE(const Object& programLabel) {
     STAMP();
 }
 
+namespace {
+
+// The test shows what the file has. False if the user would rather not see that of a dialog that has changed since.
+bool mayTest(const ResourceChoice& choice) {
+    const bool open = STREQUAL(choice.file, DIALOGGETFILENAME()) && STREQUAL(choice.name, DIALOGGETDLGNAME());
+    if (!open || !DIALOGGETMODIFY()) return true;
+    const std::string answer = MsgBox(TestTitle,
+                                      "The dialog '" + choice.name +
+                                          "' has been changed since it was saved.\nDo you want to save it "
+                                          "before it is shown?",
+                                      "&Yes\n&No\n&Cancel", BoxIcon::Question);
+    if (answer == "&Yes") DIALOGSAVE();
+    return answer == "&No" || (answer == "&Yes" && !DIALOGGETMODIFY());
+}
+
+}  // namespace
+
 void DO_TEST_DIALOG() {
     FRAME(DO_TEST_DIALOG);
     STAMP();
@@ -116,7 +134,9 @@ void DO_TEST_DIALOG() {
     STAMP();
     const ResourceChoice choice = OPENRESOURCEDIALOG(TestTitle, "dialog", current.file, current.dialog);
     STAMP();
-    if (!choice.file.empty() && !choice.name.empty()) WINDOWTESTERDIALOG(TestTitle, choice.file, choice.name);
+    if (choice.file.empty() || choice.name.empty() || !mayTest(choice)) return;
+    STAMP();
+    WINDOWTESTERDIALOG(TestTitle, choice.file, choice.name);
     STAMP();
 }
 

@@ -6,6 +6,7 @@
 #include "ide/editor/textedit.h"
 #include "ide/program/projedit.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/windowplace.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
 #include "library/dialogs/dialogshape.h"
@@ -157,12 +158,49 @@ bool acceptsAge(const std::string& title, const std::string& file) {
     return answer == "&Yes";
 }
 
+std::string boundsOf(const SymbolRecord& record) {
+    const bool array = STREQUAL(record.sort, "visualobject") && (record.lb1 != 0 || record.ub1 != 0);
+    return array ? "[" + STR(record.lb1) + ".." + STR(record.ub1) + "]" : "";
+}
+
+// An array of controls has the line of its first member; from the row on, the later of the two gets the bounds.
+void TELLARRAYS(const Object& list, int from, const std::string& symbols, const std::string& classFile) {
+    FRAME(TELLARRAYS);
+    STAMP();
+    for (const SymbolRecord& record : SYMLOAD(symbols)) {
+        const std::string bounds = boundsOf(record);
+        if (bounds.empty()) continue;
+        const std::string line =
+            STRREPLACE(SYMFORMATSTR(record, BrowserTemplate), "$FILENAME$", STRADDQUOTES(classFile));
+        int row = GetListCount(list);
+        while (row >= from && GetList(list, row) != line) --row;
+        STAMP();
+        if (row >= from) SetList(list, row, line + bounds);
+    }
+    STAMP();
+}
+
+bool HASCONTROLS(const Object& list, int from) {
+    FRAME(HASCONTROLS);
+    STAMP();
+    bool found = false;
+    for (int row = from; row <= GetListCount(list) && !found; ++row)
+        found = STREQUAL(valueOf(GetList(list, row), "$SORT$"), "visualobject");
+    return found;
+}
+
+void addClass(const Object& list, const std::string& classFile, const std::string& symbols) {
+    const int from = GetListCount(list) + 1;
+    SYMADDSYMBOLS(symbols, classFile, BrowserTemplate, "const type function visualobject class", list);
+    if (HASCONTROLS(list, from)) TELLARRAYS(list, from, symbols, classFile);
+}
+
 void fillList(const Object& list, const std::string& classes) {
     SetCaption(list, Headings);
     for (int n = 1; n <= STRLINES(classes); ++n) {
         const std::string file = STRLINE(classes, n), symbols = FILECHANGEEXT(file, ".sym");
         if (FileSize(symbols) > 0)
-            SYMADDSYMBOLS(symbols, file, BrowserTemplate, "const type function visualobject class", list);
+            addClass(list, file, symbols);
         else
             AddItem(list, lineWithoutSymbols(file), "symclass");
     }
@@ -203,7 +241,7 @@ void place(const Object& window) {
     Rect frame = GetPosition(window, WINDOW_UNIT);
     frame.x = main.x + 40;
     frame.y = main.y + main.h + 40;
-    if (PROFILESTRGET(ini, "BrowseInfoDlg", "_Position").empty()) SetPosition(window, WINDOW_UNIT, frame);
+    if (!HASPLACE("BrowseInfoDlg")) SetPosition(window, WINDOW_UNIT, frame);
     LOADINIFILE(ini, window, true, false);
     layOut(window);
 }

@@ -8,6 +8,7 @@
 #include "ide/program/projlive.h"
 #include "ide/program/projwindow.h"
 #include "ide/shell/idecore.h"
+#include "ide/shell/windowplace.h"
 #include "ide/shell/windowtable.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
@@ -87,8 +88,7 @@ void load(const Object& window) {
     const Rect smallest = GetPosition(window, CLIENT_UNIT);
     SetMinPosition(window, Rect{0, 0, smallest.w, smallest.h});
     const std::string ini = GETIDEINIFILE();
-    if (PROFILESTRGET(ini, "Projecteditordlg", "_Position").empty())
-        SetPosition(window, WINDOW_UNIT, firstPlace(window));
+    if (!HASPLACE("Projecteditordlg")) SetPosition(window, WINDOW_UNIT, firstPlace(window));
     LOADINIFILE(ini, window, true, false);
     layOut(window);
 }

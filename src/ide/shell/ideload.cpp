@@ -19,12 +19,15 @@
 #include "ide/shell/startup.h"
 #include "ide/shell/undomenu.h"
 #include "ide/shell/welcome.h"
+#include "ide/shell/windowplace.h"
 #include "ide/shell/windows.h"
 #include "library/dialogs/commdlgs.h"
 #include "library/dialogs/dlgutil.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
 #include "os/files.h"
+
+#include <algorithm>
 
 MODULE("ide", tarn::IDE_ONERROR)
 
@@ -126,17 +129,38 @@ void placeMainWindow(const std::string& ini) {
                 honoured ? Rect{n[0], n[1], n[2], n[3]} : Rect{screen.x, screen.y, screen.w, 1});
 }
 
-// At the first start the Code window takes the room below the main window and leaves the error window's at
-// the bottom.
-void placeCodeWindow(const std::string& ini) {
-    if (!PROFILESTRGET(ini, "Sdiedit", "_Position").empty()) return;
-    WaitEvents(60, false);  // the window manager has to frame the main window before its height is known
-    if (!IsLoaded(Main)) return;  // the user has closed it meanwhile
+int frameWidth() {
+    return GetPosition(Main, WINDOW_UNIT).w - GetPosition(Main, CLIENT_UNIT).w;
+}
+
+// The window manager has to frame the main window before its height is known, and may take its time. Where nobody frames
+// windows that is the whole wait.
+void waitForFrame() {
+    constexpr int first = 60, step = 20, most = 300;  // milliseconds
+    WaitEvents(first, false);
+    for (int waited = first; waited < most && IsLoaded(Main) && frameWidth() == 0; waited += step)
+        WaitEvents(step, false);
+    if (IsLoaded(Main) && frameWidth() != 0) WaitEvents(step, false);  // for what follows from it
+}
+
+// Of the Program Window, as it opens at first.
+int programWidth() {
+    const Object measured("MeasureDlg");  // without its function, and never shown
+    if (!Load(measured, ApplicationResources(), ProjectEditorDlg.window()).empty()) return 0;
+    const int width = GetPosition(measured, CLIENT_UNIT).w + frameWidth();
+    Unload(measured);
+    return width;
+}
+
+// At the first start the Code window takes the room below the main window, and leaves the error window's at the bottom and
+// the Program Window's at the right.
+void placeCodeWindow() {
+    if (HASPLACE("Sdiedit") || !IsLoaded(Main) || !IsLoaded(SDIEdit)) return;  // the user may have closed them
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
+    const int width = std::max(screen.w - std::max(programWidth(), screen.w / 4), screen.w / 2);
     EDITWNDSETMAXSIZE(SDIEdit, Main);
-    SetPosition(SDIEdit, WINDOW_UNIT,
-                Rect{screen.x, top, screen.w * 3 / 4, (screen.y + screen.h - top) * 3 / 4});
+    SetPosition(SDIEdit, WINDOW_UNIT, Rect{screen.x, top, width, (screen.y + screen.h - top) * 3 / 4});
 }
 
 void showToolbarAsSet(const std::string& ini) {
@@ -209,7 +233,7 @@ void prepareCodeWindow() {
     STAMP();
 }
 
-void showMainWindow(const std::string& ini) {
+void showMainWindow() {
     FRAME(SHOWMAINWINDOW);
     STAMP();
     DISABLEUNHANDLED();
@@ -218,7 +242,9 @@ void showMainWindow(const std::string& ini) {
     STAMP();
     SPLASHDLG_UNLOAD();
     STAMP();
-    placeCodeWindow(ini);
+    if (!HASPLACE("Sdiedit")) waitForFrame();
+    STAMP();
+    placeCodeWindow();
     STAMP();
 }
 
@@ -251,8 +277,13 @@ void DO_LOAD() {
     const std::string file = GETCOMMANDLINEFILE();
     goToLastFolder(ini);
     STAMP();
-    showMainWindow(ini);
+    showMainWindow();
+    const Rect placed = IsLoaded(SDIEdit) ? GetPosition(SDIEdit, WINDOW_UNIT) : Rect{};
+    STAMP();
     if (IsLoaded(Main)) open(ini, file);
+    STAMP();
+    // The frame of the main window may have come late; where the user has put the Code window it stays.
+    if (IsLoaded(SDIEdit) && GetPosition(SDIEdit, WINDOW_UNIT) == placed) placeCodeWindow();
     STAMP();
 }
 

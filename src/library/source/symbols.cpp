@@ -137,6 +137,7 @@ std::string SYMSETCLASSNAME(const std::string& name, int mode, std::string_view 
         return "The class name is missing, or the source text does not contain a class.";
     const ClassName found = findClassNamePos(text, keyword);
     if (found.position == 0) return "The class name could not be found.";
+    if (detail::Lines lines; !detail::LOADSTRINGLIST(text, lines)) return detail::TooManyLines;
     text.replace(found.position - 1, found.name.size(), name);
     STAMP();
     return detail::storeSource(mode, source, std::move(text));

@@ -80,6 +80,11 @@ bool goesWithoutSaying(Type type, const std::string& name, const std::string& va
     return row != nullptr && value == row->missing;
 }
 
+// Whether a line would end behind its "=", and say what goes without saying.
+bool isLeftOut(Type type, const std::string& name, const std::string& value) {
+    return goesWithoutSaying(type, name, value) && valueText(type, name, value).empty();
+}
+
 std::string windowKind(Type type) {
     return upper(typeName(type));
 }
@@ -176,7 +181,7 @@ std::string Writer::properties(const RcObject& block, const ParsedList& wanted) 
         const bool again = !seen.insert(property.name).second;
         if (again || says(block, property, wanted.type, std::string(value->second))) {
             result += bytes(property.line);
-        } else {
+        } else if (!isLeftOut(wanted.type, property.name, std::string(value->second))) {
             result += bytes({property.line.begin, property.valueSpan.begin});
             result += valueText(wanted.type, property.name, value->second);
             result += bytes({property.valueSpan.end, property.line.end});

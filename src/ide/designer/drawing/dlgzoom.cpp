@@ -113,7 +113,6 @@ void DIALOGZOOM(int step) {
 
 void LIMITDESIGNSIZE(const std::string& dialog) {
     FRAME(LIMITSIZE);
-    constexpr int least = 12;
     const Margin margin = DIALOGGETMARGIN();
     const int frame = 2 * GETBORDERHEIGHT(DialogDlg, GETPROPINT(dialog, "BORDERSTYLE"));
     const int across = margin.left + margin.right, down = margin.top + margin.bottom;
@@ -121,7 +120,7 @@ void LIMITDESIGNSIZE(const std::string& dialog) {
         return Rect{0, 0, ZOOMEDPIXELS(DialogDlg, w), ZOOMEDPIXELS(DialogDlg, h)};
     };
     STAMP();
-    SetMinPosition(DialogDlg, zoomed(across + least, down + least));
+    SetMinPosition(DialogDlg, zoomed(across + LEAST_SIDE, down + LEAST_SIDE));
     Rect most = zoomed(frame + across + GetPageWidth(Sysscreen), frame + down + GetPageHeight(Sysscreen));
     const Rect room = DESIGNROOM();
     if (DIALOGGETZOOM() > Whole) most = {0, 0, std::min(most.w, room.w), std::min(most.h, room.h)};

@@ -20,6 +20,7 @@ void DIALOGSETZOOM(int percent);  // without a redraw
 void DIALOGZOOM(int step);
 
 // How small and how large the user can make the editor's window, by the property list of the dialog.
+inline constexpr int LEAST_SIDE = 12;  // pixels of a dialog
 void LIMITDESIGNSIZE(const std::string& dialog);
 
 // Whether a zoom of the last second has given the window that size, so that it is not the user's.

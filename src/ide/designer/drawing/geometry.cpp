@@ -163,6 +163,17 @@ Rect CALCOFFSETS(const Object& window, std::string_view dialog, int mode, const 
             margin.top + rects.frame.h - rects.client.h + margin.bottom};
 }
 
+UnitRect UNITSAFTER(const LetterSize& letter, const UnitRect& units, const Rect& before, const Rect& now) {
+    FRAME(UNITSAFTER);
+    UnitRect after = PIXELSTORCUNITS(letter, now);
+    STAMP();
+    if (now.x == before.x) after.x = units.x;
+    if (now.y == before.y) after.y = units.y;
+    if (now.w == before.w) after.w = units.w;
+    if (now.h == before.h) after.h = units.h;
+    return after;
+}
+
 int GETCLICKINDEX(const Object& window, const Object& datalist, int mode, const Margin& margin, int x,
                   int y) {
     FRAME(GETCLICKINDEX);

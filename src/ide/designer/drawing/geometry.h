@@ -12,6 +12,7 @@
 #pragma once
 
 #include "kernel/windows/windowing.h"
+#include "library/designer/dlgunits.h"
 
 #include <string>
 #include <string_view>
@@ -48,6 +49,10 @@ Rect CALCOFFSETS(const Object& window, std::string_view dialog, int mode, const 
 int GETBORDERHEIGHT(const Object& window, int borderStyle);
 int GETCAPTIONHEIGHT(const Object& window, int borderStyle, std::string_view caption);
 int GETMENUHEIGHT(const Object& window, std::string_view menu);
+
+// The units of a place that the user has given other pixels: the numbers whose pixels are the same stay, also under a font
+// of so small letters that pixels do not lead back to units.
+UnitRect UNITSAFTER(const LetterSize& letter, const UnitRect& units, const Rect& before, const Rect& now);
 
 // The object at a place of the window: 1 the dialog, n > 1 item n of `datalist`, -1 the menu, 0 nothing. Where objects
 // overlap, the later one.

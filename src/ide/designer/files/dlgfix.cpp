@@ -52,19 +52,30 @@ std::set<std::string> wordsOf(std::string_view lines) {
     return words;
 }
 
-// Whether another dialog of the file shows the menu.
+// Whether another dialog of the file shows the menu, or may do so because it cannot be read.
 bool ISSHAREDMENU(const std::string& file, const std::string& dialog, const std::string& menu) {
     FRAME(ISSHAREDMENU);
     STAMP();
-    const std::string names = RESOURCENAMES(file, "DIALOG").text;
+    const ResourceText names = RESOURCENAMES(file, "DIALOG");
     ObjectArray objects;
-    for (int n = 1; n <= STRLINES(names); ++n) {
+    for (int n = 1; n <= STRLINES(names.text); ++n) {
         STAMP();
-        const std::string name = STRLINE(names, n);
-        if (STREQUAL(name, dialog) || !ResourceRead(file, name, objects).empty()) continue;
-        if (STREQUAL(GETPROPVALUE(objects[0], "MENU"), menu)) return true;
+        const std::string name = STRLINE(names.text, n);
+        if (STREQUAL(name, dialog)) continue;
+        const bool read = ResourceRead(file, name, objects).empty();
+        if (!read || STREQUAL(GETPROPVALUE(objects[0], "MENU"), menu)) return true;
     }
-    return false;
+    return !names.error.empty();
+}
+
+// Resources are deleted by their name, which those of another kind may have too.
+bool ISONLYMENU(const std::string& file, const std::string& menu) {
+    FRAME(ISONLYMENU);
+    STAMP();
+    const std::string all = RESOURCENAMES(file, "*").text;
+    int found = 0;
+    for (int n = 1; n <= STRLINES(all); ++n) found += STREQUAL(STRTOKEN(STRLINE(all, n), 1), menu) ? 1 : 0;
+    return found == 1 && ISINRESOURCEFILE(file, "MENU", menu);
 }
 
 }  // namespace
@@ -117,6 +128,14 @@ std::string FIXPROPERTY_PICTURE(const std::string& file, const std::string& dial
             }
         return changed;
     });
+}
+
+std::string DROPMENU(const std::string& file, const std::string& menu) {
+    FRAME(DROPMENU);
+    STAMP();
+    if (menu.empty() || !ISONLYMENU(file, menu)) return {};
+    STAMP();
+    return ISSHAREDMENU(file, "", menu) ? std::string() : ResourceDelete(file, menu);
 }
 
 // A menu that this dialog alone shows is renamed in its place; one that others show too is copied.

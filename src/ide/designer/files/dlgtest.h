@@ -53,6 +53,9 @@ std::string FIXPROPERTY_PICTURE(const std::string& file, const std::string& dial
 // other dialog of the file shows that.
 std::string FIXPROPERTY_MENU(const std::string& file, const std::string& dialog, const std::string& names);
 
+// Deletes a menu of the file that no dialog shows. One that may be shown stays, and no menu of that name is no error.
+std::string DROPMENU(const std::string& file, const std::string& menu);
+
 // The resource texts joined, dialog by dialog as they are written: of all dialogs, or of the last one alone.
 std::string DIALOGMERGERCTEXT(const std::string& target, const std::string& source, bool fromFirst);
 

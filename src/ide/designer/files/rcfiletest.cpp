@@ -24,7 +24,7 @@ Object part(const Object& window, std::string_view name) {
     return FINDCONTROL(window, name);
 }
 void setStatus(const Object& window, const std::string& text) {
-    SetCaption(part(window, "lblstatus"), text);
+    SetText(part(window, "lblstatus"), text);
 }
 
 // A row without the result that a test has put behind it. A "<" in a path is none.

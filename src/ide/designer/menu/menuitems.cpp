@@ -170,6 +170,8 @@ bool isTaken(const std::string& name, int row) {
     return false;
 }
 
+constexpr std::size_t LongestName = 40;  // characters of an identifier
+
 std::string faultOf(const MenuItemCheck& item, int row) {
     const std::string head = "The following Name property is not allowed:\n\n\t'" + item.name + "'\n\n";
     constexpr const char* again = "\nPlease fix up the Name property, then try again.";
@@ -177,6 +179,8 @@ std::string faultOf(const MenuItemCheck& item, int row) {
     if (!item.name.empty() && !ISSYMBOLSTR(item.name))
         return head + "Names should start with a letter and contain letters, digits or the underscore." +
                again;
+    if (item.name.size() > LongestName)
+        return head + "A name can have at most " + STR(static_cast<int>(LongestName)) + " characters." + again;
     if (!item.name.empty() && isTaken(item.name, row))
         return head + "It is already being used for another menu item." + again;
     if (item.caption.empty() && !item.name.empty())

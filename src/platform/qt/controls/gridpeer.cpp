@@ -162,6 +162,9 @@ protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
         if (option->displayAlignment.testFlag(Qt::AlignRight)) option->text = spaced(option->text);
+        // The end of a path tells more than its beginning.
+        if (option->text.startsWith('/') || option->text.startsWith("\"/"))
+            option->textElideMode = Qt::ElideLeft;
     }
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         constexpr int lead = 4;  // pixels between rows

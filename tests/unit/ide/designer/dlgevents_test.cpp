@@ -207,6 +207,17 @@ TEST_F(DialogEvents, ResizingTheWindowSizesTheDialog) {
     EXPECT_FALSE(DIALOGGETMODIFY());
 }
 
+TEST_F(DialogEvents, ADialogIsNeverSizedToNothing) {
+    openTwo();
+    resize(0, 0);
+    SetPosition(DialogDlg, CLIENT_UNIT, Rect{0, 0, 1, 1});
+    DIALOGDLG(DialogDlg, RESIZE_EVENT, DialogDlg, 0);
+    const UnitRect least = GETPROPPOSITION(item(1));
+    EXPECT_GT(least.w, 0);
+    EXPECT_GT(least.h, 0);
+    EXPECT_EQ(RCUNITSTOPIXELS(DialogDlg, least).w, 12);
+}
+
 TEST_F(DialogEvents, OtherColoursOfTheDesktopDrawTheDialogAgainAndChangeNothing) {
     openTwo();
     auto recording = std::make_unique<platform::RecordingView>();

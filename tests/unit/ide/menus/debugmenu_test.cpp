@@ -63,7 +63,7 @@ protected:
         return std::filesystem::exists(dir + "ran");
     }
     std::string question() const {
-        return "The following program:\n'" + main +
+        return "The following program:\n\t'" + main +
                "'\nmust be compiled with 'Full debugging' information before using the debugger.\nDo you "
                "want "
                "to compile with 'Full debugging' information and debug it?";

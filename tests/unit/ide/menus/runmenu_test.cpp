@@ -45,7 +45,7 @@ protected:
 TEST_F(Build, NeedsTheMakeTool) {
     EXPECT_FALSE(build(main));
     EXPECT_EQ(lastText(),
-              "Cannot find the ORDO program. It should be in the following file:\n'" + tools +
+              "Cannot find the ORDO program. It should be in the following file:\n\t'" + tools +
                   "ordo.exe'\n\nUse Tools-Options-Paths to make sure the Compiler File Path folder\n"
                   "contains the ORDO.EXE program file.");
 }
@@ -65,7 +65,7 @@ TEST_F(Build, RefusesAnEmptyClassAndOneThatIsNotMain) {
     const std::string absent = dir + "absent.cls";
     EXPECT_FALSE(build(absent));
     EXPECT_EQ(lastText(),
-              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n'" + absent +
+              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n\t'" + absent +
                   "'\n\nis empty or does not exist.");
     const std::string part = write("part.cls", "Tarnwick Class part\nEnd class\n");
     EXPECT_FALSE(build(part));
@@ -81,7 +81,7 @@ TEST_F(Build, TellsThatTheOpenClassHasGone) {
     EXPECT_FALSE(build(main));
     EXPECT_EQ(asked.back().title, "Run-Quickbuild");
     EXPECT_EQ(lastText(),
-              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n'" + main +
+              "It is not possible to use the 'Run-Quickbuild' command.\nThe following file:\n\n\t'" + main +
                   "'\n\nis empty or does not exist.");
 }
 

@@ -80,6 +80,28 @@ TEST_F(BrowseInfo, ItsPlaceIsKept) {
     EXPECT_EQ(list.x * 2 + list.w, client.w) << "the list is laid out for the size that was kept";
 }
 
+TEST_F(BrowseInfo, WithoutAPlaceOfItsOwnItStandsWhereItStoodAtFirst) {
+    prepare();
+    DO_BROWSE_INFO();
+    const Rect first = GetPosition(BrowseInfoDlg, WINDOW_UNIT);
+    SetWindowState(BrowseInfoDlg, 2);
+    Unload(BrowseInfoDlg);
+    EXPECT_EQ(PROFILESTRGET(ini(), "BrowseInfoDlg", "_Position"), "0 0 0 0") << "maximised from the first";
+    DO_BROWSE_INFO();
+    EXPECT_EQ(GetPosition(BrowseInfoDlg, WINDOW_UNIT), first);
+}
+
+TEST_F(BrowseInfo, ControlArraysAreToldFromTheirMembers) {
+    prepare();
+    const std::string member = "\"W\",1,\"r1\",\"visualobject\",2,2,0,\"A\",";
+    write("a.sym", member + "0,0,0,0,0,0,\"\",\"Radiobutton\"\n" + member +
+                       "1,3,0,0,0,0,\"\",\"Radiobutton\"\n");
+    DO_BROWSE_INFO();
+    const std::string line = "W.r1\tvisualobject\tA\t\"" + file + "\"\t2\tRadiobutton";
+    EXPECT_EQ(GetList(control("iconlist1"), 1), line);
+    EXPECT_EQ(GetList(control("iconlist1"), 2), line + "[1..3]");
+}
+
 TEST_F(BrowseInfo, OddFileNamesLeadToTheirFiles) {
     prepare("a b & \xC3\xA4 $NAME$.cls");
     DO_BROWSE_INFO();

@@ -182,11 +182,13 @@ TEST_F(Symbols, MoreThan8000LinesAreRefusedUntouched) {
     const int lines = limits::Tiny ? 80 : 8000;
     std::string text = "Class A\n";
     for (int i = 2; i <= lines; ++i) text += "\n";
+    const std::string error = "Class has too many lines, maximum is " + std::to_string(lines) + ".";
     std::string most = text, more = text + "x";
+    EXPECT_EQ(SYMSETCLASSNAME("B", 0, "", most), "");
     EXPECT_EQ(SYMSETUSES("B", 0, most), "");
     EXPECT_EQ(SYMGETUSES(0, most), "B");
-    EXPECT_EQ(SYMSETUSES("B", 0, more),
-              "Class has too many lines, maximum is " + std::to_string(lines) + ".");
+    EXPECT_EQ(SYMSETUSES("B", 0, more), error);
+    EXPECT_EQ(SYMSETCLASSNAME("B", 0, "", more), error);
     EXPECT_EQ(more, text + "x");
 }
 

@@ -205,7 +205,7 @@ protected:
         none = write("rc/no<ne.rc", "// nothing\n");
     }
     static Object list() { return in(RcFileTestDlg, "iconlist1"); }
-    static std::string status() { return GetCaption(in(RcFileTestDlg, "lblstatus")); }
+    static std::string status() { return GetText(in(RcFileTestDlg, "lblstatus")); }
     static std::string row(int n) { return GetList(list(), n); }
     static std::string picture(int n) {
         return platform::findControl(list())->rows[static_cast<std::size_t>(n - 1)].picture;
