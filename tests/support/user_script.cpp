@@ -109,7 +109,8 @@ UserDriver::Outcome UserDriver::ready(const ScriptLine& line) {
     const bool open = view().asking() != nullptr;
     const bool answers = isAnswer(w[0]);
     const bool looks = w[0] == "expect" || w[0] == "screenshot" || w[0] == "key" || w[0] == "run" ||
-                       w[0] == "activate" || w[0] == "front";  // what is asked then may be open already
+                       w[0] == "activate" || w[0] == "front" ||
+                       w[0] == "start";  // what is asked then may be open already
     if (open && !answers && !looks) {
         fail("A question is open that nobody expects.");
         return Outcome::Failed;
