@@ -148,5 +148,21 @@ TEST_F(WindowMenu, CloseAllClosesAllButTheMainWindow) {
     EXPECT_FALSE(ISSHOWN(ViewDlg));
 }
 
+TEST_F(WindowMenu, ArrangeLetsTheProgramWindowLayItsListOut) {
+    EDITWNDOPEN(SDIEdit, write("p.cls", "Tarnwick Class p\nfunction main()\nend function\nEnd class\n"),
+                false, 0);
+    PROJECTOPEN(ProjectEditorDlg, "Program Window", dir + "p.cls", MAINCONTROL("programlabel"));
+    ASSERT_TRUE(ISSHOWN(ProjectEditorDlg));
+    const auto below = [] {
+        const Rect list = GetPosition(FINDCONTROL(ProjectEditorDlg, "iconlist1"), CLIENT_UNIT);
+        return GetPosition(ProjectEditorDlg, CLIENT_UNIT).h - list.y - list.h;
+    };
+    const int margin = below();
+    DO_WINDOW_ARRANGE();
+    DoEvents();
+    EXPECT_EQ(place(ProjectEditorDlg).h, 1080 - top);
+    EXPECT_EQ(below(), margin);
+}
+
 }  // namespace
 }  // namespace tarn
