@@ -298,6 +298,7 @@ TEST_F(ViewTest, TheTextOfAnEditWindowIsNamedByItsCaption) {
 
 TEST_F(ViewTest, ADialogLargerThanTheScreenScrollsAndKeepsItsSizeForTheProgram) {
     show(Form);
+    QTest::qWait(400);  // until the frame is known
     const Rect before = GetPosition(Form, WINDOW_UNIT).value;
     const QRect screen = QApplication::primaryScreen()->availableGeometry();
     const Rect tall{before.x, before.y, before.w, screen.height() + 200};

@@ -331,6 +331,7 @@ void TELLNOBACKUPS(const std::string& file, int code) {
 void EDITWNDCHECKBACKUPOK(const std::string& file) {
     FRAME(EDITWNDCHECKBACKUPOK);
     STAMP();
+    told.clear();  // of another text
     if (EDITWNDGETINTERVAL() <= 0) return;
     STAMP();
     TELLNOBACKUPS(file, EDITWNDGETBACKUPNAME(file).code);

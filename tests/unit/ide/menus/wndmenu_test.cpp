@@ -149,9 +149,8 @@ TEST_F(WindowMenu, CloseAllClosesAllButTheMainWindow) {
 }
 
 TEST_F(WindowMenu, ArrangeLetsTheProgramWindowLayItsListOut) {
-    EDITWNDOPEN(SDIEdit, write("p.cls", "Tarnwick Class p\nfunction main()\nend function\nEnd class\n"),
-                false, 0);
-    PROJECTOPEN(ProjectEditorDlg, "Program Window", dir + "p.cls", MAINCONTROL("programlabel"));
+    Load(ProjectEditorDlg);
+    Show(ProjectEditorDlg, false);
     ASSERT_TRUE(ISSHOWN(ProjectEditorDlg));
     const auto below = [] {
         const Rect list = GetPosition(FINDCONTROL(ProjectEditorDlg, "iconlist1"), CLIENT_UNIT);
@@ -159,7 +158,7 @@ TEST_F(WindowMenu, ArrangeLetsTheProgramWindowLayItsListOut) {
     };
     const int margin = below();
     DO_WINDOW_ARRANGE();
-    DoEvents();
+    for (int waited = 0; below() != margin && waited < 100; waited++) DoEvents(), usleep(10000);
     EXPECT_EQ(place(ProjectEditorDlg).h, 1080 - top);
     EXPECT_EQ(below(), margin);
 }
