@@ -93,7 +93,8 @@ namespace {
 const std::set<std::string> needsRest = {"command",  "press", "set",    "click",  "mouse", "type", "edit",
                                          "dblclick", "close", "select", "strike", "point", "drag", "margin"};
 // What may be done while a question is open without an answer to it: what it asks may have been answered already.
-const std::set<std::string> besideAQuestion = {"expect", "screenshot", "key", "run", "activate", "front"};
+const std::set<std::string> besideAQuestion = {"expect",   "screenshot", "key",  "run",
+                                               "activate", "front",      "start"};
 
 bool isShown(const Object& object) {
     const Window* const window = findWindow(object);

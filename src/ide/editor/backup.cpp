@@ -26,12 +26,28 @@ MODULE("textedit", tarn::BACKUP_ONERROR)
 
 namespace tarn {
 
+namespace {
+
+// What was tried last with a backup, for whom a failure is told.
+struct Attempt {
+    std::string file, backup;
+    bool deletes = false;
+};
+Attempt attempt;
+std::string told;  // the failure that the user knows of, until a backup is written again
+
+}  // namespace
+
 void BACKUP_ONERROR(std::int32_t code) {
     if (!ISFILEERROR(code)) return DefaultErrorHandler(code);
-    TELLERROR(
-        code,
-        "An automatic backup could not be written, or an old one not be deleted. The text in its window "
-        "is as it was. Check that there is room beside its file and that you may write there.");
+    const std::string failure = STR(code) + (attempt.deletes ? " delete " : " write ") + attempt.file;
+    if (failure == told) return ContinueAfterError();  // each tick tries again
+    told = failure;
+    const std::string what = attempt.deletes ? "An old automatic backup could not be deleted:"
+                                             : "The automatic backup could not be written:";
+    TELLERROR(code, what + "\n\n\t'" + attempt.backup +
+                        "'\n\nThe text in its window is as it was, and the next backup is tried in its time. "
+                        "Check that there is room beside its file and that you may write there.");
 }
 
 // ---- settings ----
@@ -240,13 +256,16 @@ void EDITWNDAUTOBACKUP(const Object& window) {
     if (names.code != Possible) return;
     SETMODIFYPRIVATE(window, false);
     STAMP();
+    attempt = {file, names.backupName, false};
     const bool written = WRITEBACKUP(names.backupName, GetText(window), file);
     STAMP();
-    if (!written) return;
+    if (!written) return SETMODIFYPRIVATE(window, true);
+    if (told.find(" write ") != std::string::npos) told.clear();
     const bool sounds = EDITWNDGETPLAYSOUND();
     if (sounds) play("save.wav");
     STAMP();
     if (names.oldestName.empty() || FileSize(names.oldestName) < 0) return;
+    attempt = {file, names.oldestName, true};
     FILEDELETE(names.oldestName);
     forgetList();
     STAMP();
@@ -312,6 +331,7 @@ void TELLNOBACKUPS(const std::string& file, int code) {
 void EDITWNDCHECKBACKUPOK(const std::string& file) {
     FRAME(EDITWNDCHECKBACKUPOK);
     STAMP();
+    told.clear();  // of another text
     if (EDITWNDGETINTERVAL() <= 0) return;
     STAMP();
     TELLNOBACKUPS(file, EDITWNDGETBACKUPNAME(file).code);

@@ -95,6 +95,7 @@ std::string sentence(std::string_view head, const std::string& name, std::string
 
 std::string promptOf(const std::string& file, const std::string& backup) {
     std::string date = TIMEMAKEFULLSTR(FILEGETEMBEDDEDDATE(backup));
+    if (!ISDATESTRVALID(date)) return "Restore '" + FILEGETFNAME(file) + "' to how it was.";
     constexpr std::size_t minutes = 16, colon = 13;  // of "YYYY-MM-DD hh:mm"
     date.resize(minutes);
     date[colon] = ':';

@@ -14,6 +14,7 @@ struct Seen {
     std::string file;
     os::FileInfo info;   // as the window has it
     os::FileInfo asked;  // as it was when the user was asked about it, or the same
+    bool nameAlone = false;
 };
 
 std::map<std::string, Seen>& seen() {
@@ -31,16 +32,30 @@ void NOTEFILESEEN(const Object& window, const std::string& file) {
     FRAME(NOTEFILESEEN);
     STAMP();
     const os::FileInfo info = os::infoOf(os::native(file));
-    seen()[window.window()] = {file, info, info};
+    seen()[window.window()] = {file, info, info, false};
+}
+
+void NOTEFILEUNSEEN(const Object& window, const std::string& file) {
+    FRAME(NOTEFILEUNSEEN);
+    STAMP();
+    const os::FileInfo info = os::infoOf(os::native(file));
+    seen()[window.window()] = {file, info, info, true};
+}
+
+bool ISFILEUNSEEN(const Object& window, const std::string& file) {
+    FRAME(ISFILEUNSEEN);
+    const auto known = seen().find(window.window());
+    return known != seen().end() && known->second.file == file && known->second.nameAlone;
 }
 
 bool CHANGEDOUTSIDE(const Object& window, const std::string& file) {
     FRAME(CHANGEDOUTSIDE);
     STAMP();
     const auto known = seen().find(window.window());
-    if (known == seen().end() || known->second.file != file || !known->second.info.exists) return false;
+    if (known == seen().end() || known->second.file != file) return false;
     const os::FileInfo now = os::infoOf(os::native(file));
-    return now.exists && !sameContent(now, known->second.info);
+    if (known->second.nameAlone) return now.exists;
+    return known->second.info.exists && now.exists && !sameContent(now, known->second.info);
 }
 
 OutsideChange NEWCHANGEOUTSIDE(const Object& window, const std::string& file) {

@@ -12,7 +12,11 @@ namespace tarn {
 
 // The file is on the disk as the window shows it.
 void NOTEFILESEEN(const Object& window, const std::string& file);
-// Another program has changed the file since; false for one that the window did not read, and for one that is gone.
+// The window has the name of the file alone, and was never read from it or written to it.
+void NOTEFILEUNSEEN(const Object& window, const std::string& file);
+bool ISFILEUNSEEN(const Object& window, const std::string& file);
+// The disk holds another text than the window has seen there: false for a file that is gone, and for one that nothing was
+// noted of.
 bool CHANGEDOUTSIDE(const Object& window, const std::string& file);
 
 // What has happened to the file since it was seen, or since the user was asked about it last.

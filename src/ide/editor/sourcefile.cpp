@@ -28,4 +28,12 @@ bool ISINEDITOR(const std::string& file) {
     return one.exists && other.exists && one.device == other.device && one.inode == other.inode;
 }
 
+bool HASNAMEINEDITOR(const std::string& file) {
+    FRAME(HASNAMEINEDITOR);
+    STAMP();
+    const std::string shown = EDITWNDGETFILENAME(SDIEdit);
+    if (!STREQUAL(shown, file)) return false;
+    return shown == file || FileSize(shown) < 0 || FileSize(file) < 0 || ISINEDITOR(file);
+}
+
 }  // namespace tarn

@@ -16,5 +16,7 @@ std::string TWINFILE(const std::string& file, std::string_view extension);
 
 // Whether the file stands in the Code window, by this name or by another one that it has.
 bool ISINEDITOR(const std::string& file);
+// Whether it is the file of the Code window by its name, whatever the case: two that are both there, and differ, are two.
+bool HASNAMEINEDITOR(const std::string& file);
 
 }  // namespace tarn

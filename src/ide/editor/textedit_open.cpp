@@ -6,6 +6,7 @@
 #include "ide/debug/codemarks.h"
 #include "ide/editor/backup.h"
 #include "ide/editor/seenfile.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "library/system/system.h"
@@ -69,7 +70,7 @@ bool loadIntoWindow(const Object& window, const std::string& file, bool raises =
 
 // Shows or loads as the state of the window asks; false if nothing was shown.
 bool showOrLoad(const Object& window, const std::string& file, bool reload) {
-    const bool same = STREQUAL(EDITWNDGETFILENAME(window), file);
+    const bool same = HASNAMEINEDITOR(file);
     if (same && (!GetModify(window) || !reload)) {
         Show(window, false);
         return true;
@@ -108,7 +109,7 @@ bool EDITWNDFOLLOW(const Object& window, const std::string& file, int line) {
     if (!IsLoaded(window) || FileWork::goesOn()) return false;
     const FileWork work;
     STAMP();
-    if (!STREQUAL(EDITWNDGETFILENAME(window), file)) {
+    if (!HASNAMEINEDITOR(file)) {
         const std::int64_t size = FileSize(file);
         if (GetModify(window) || size < 0 || size > EDITWNDGETMAXLENGTH(window)) return false;
         EDITWNDCLOSE(window, false);

@@ -74,14 +74,23 @@ bool writeText(const Object& window, const std::string& file) {
     return true;
 }
 
-// What another program has written meanwhile goes only if the user says so.
+// What another program has written meanwhile, or what stood there when the window got the name, goes only if the user says so.
 bool maySaveOver(const Object& window, const std::string& file) {
     if (!CHANGEDOUTSIDE(window, file)) return true;
     NOTECHANGEASKED(window, file);
+    const std::string what =
+        ISFILEUNSEEN(window, file)
+            ? "The following file exists, and its text is another one:"
+            : "The following file was changed by another program after it was read here:";
     return MsgBox("File-Save",
-                  "The following file was changed by another program after it was read here:\n\n\t" + file +
-                      "\n\nTo keep both, cancel and use File-Save As with another name.",
+                  what + "\n\n\t" + file + "\n\nTo keep both, cancel and use File-Save As with another name.",
                   "&Save over it\n&Cancel", BoxIcon::Warning) == "&Save over it";
+}
+
+// Cancel leaves the text with a name that the user has chosen and with nothing stored under it.
+void keepNameAlone(const Object& window, const std::string& file) {
+    SetModify(window, true);
+    NOTEFILEUNSEEN(window, file);
 }
 
 // A text that could not be stored under its new name keeps the old one, and the class in it too.
@@ -118,6 +127,7 @@ void EDITWNDSAVE(const Object& window, bool saveAs) {
     const bool written = go && writeText(window, file);
     STAMP();
     if (go && !written) takeBackName(window, before, textBefore);
+    if (!go && !file.empty() && file != before) keepNameAlone(window, file);
     STAMP();
     if (written && file != before) SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
     if (written && file == before) KEEPBREAKPOINTS(window);

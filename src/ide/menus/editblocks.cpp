@@ -13,6 +13,7 @@
 #include "library/system/system.h"
 
 #include <algorithm>
+#include <vector>
 
 MODULE("editmenu", tarn::TEXTEDIT_ONERROR)
 
@@ -140,13 +141,23 @@ std::string askAboutExample(const std::string& names) {
                   "New Program\nNormal Text\nCancel", BoxIcon::Question);
 }
 
+std::vector<std::string> linesOf(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        lines.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return lines;
+}
+
 // The file to open once the files of an example are written; empty if the user has left, or one could not be written.
 std::string saveExample(const std::string& text, const std::string& names) {
     std::string first, mainClass;
     for (int i = 1; i <= STRLINES(names); i++) {
         const std::string name = STRLINE(names, i);
         const std::string file = SaveAsDialog("Save File", name, "Class (*.cls)|*.cls|All files (*)|*|");
-        if (file.empty() || !SAVEFILE(file, GETEXAMPLETEXT(text, name))) return {};
+        if (file.empty() || !SAVEFILE(file, linesOf(GETEXAMPLETEXT(text, name)))) return {};
         if (first.empty()) first = file;
         if (ISMAINCLASS(file)) mainClass = file;
     }

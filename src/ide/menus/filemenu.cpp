@@ -3,6 +3,7 @@
 
 #include "ide/designer/dlgedit.h"
 #include "ide/editor/recentfiles.h"
+#include "ide/editor/sourcefile.h"
 #include "ide/editor/textedit.h"
 #include "ide/program/newprogram.h"
 #include "ide/program/projedit.h"
@@ -25,7 +26,7 @@ void requireType(const Object& control, std::string_view type) {
 // Opens the file, and the program if it is one, and notes it among the recent ones if the window took it.
 void openAndRemember(const std::string& file, bool isMain, const Object& programLabel) {
     EDITWNDOPEN(SDIEdit, file, false, 0);
-    if (!STREQUAL(EDITWNDGETFILENAME(SDIEdit), file)) return;
+    if (!HASNAMEINEDITOR(file)) return;
     if (isMain) PROJECTOPEN(ProjectEditorDlg, "Program Window", file, programLabel);
     SAVEMRUITEM(GETIDEINIFILE(), "MRU", 5, file);
 }

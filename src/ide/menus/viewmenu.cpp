@@ -30,6 +30,8 @@ namespace tarn {
 void DO_LINE() {
     FRAME(DO_LINE);
     STAMP();
+    if (EDITWNDGETFILENAME(SDIEdit).empty()) return Sound();
+    STAMP();
     GOTOLINEDIALOG("View-Line", SDIEdit, GETHELPFILE(), "View_Line");
 }
 

@@ -15,9 +15,13 @@ void bringForward(const Object& window) {
     if (ISSHOWN(window)) Show(window, false);
 }
 
+// A window that lays itself out does so when the user sizes it, and has to hear of this as well.
 void moveTo(const Object& window, const Rect& place) {
+    const Rect before = GetPosition(window, CLIENT_UNIT);
     SetWindowState(window, 0);
     SetPosition(window, WINDOW_UNIT, place);
+    const Rect after = GetPosition(window, CLIENT_UNIT);
+    if (after.w != before.w || after.h != before.h) PostMessage(window, RESIZE_EVENT, 0);
 }
 
 void moveKeepingSize(const Object& window, int x, int y) {

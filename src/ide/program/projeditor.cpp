@@ -203,6 +203,7 @@ bool PROJECTEDITORDLG(const Object& window, int event, const Object& control, in
     case TIMER_EVENT: PROJECTFOLLOWFILES(window); break;
     case CLOSE_EVENT:
         SAVEINIFILE(GETIDEINIFILE(), window, true, false);
+        if (IsLoaded(Main)) PostMessage(Main, ACTIVATE_EVENT, 0);  // which looks at the windows that are left
         result = false;
         break;
     default: result = false;

@@ -48,25 +48,30 @@ bool taken(const OtherControl& other, const std::string& file) {
     return ErrorCell() == 0;
 }
 
-// Gives the file of the command line to the copy that runs, or says why not.
+// Gives the file to the copy that runs, or says that there is none; false if that copy does not take it.
+bool passOn(const OtherControl& other, const std::string& file) {
+    if (FileSize(file) > 0) return taken(other, file);
+    Sound();
+    MsgBox("Error", MISSINGFILETEXT(file), "OK", BoxIcon::Error);
+    return true;
+}
+
+// Gives the files of the command line to the copy that runs, or says why not.
 void handOver() {
-    const std::string file = GETCOMMANDLINEFILE(), reason = ErrorDetails();
+    const std::string reason = ErrorDetails();
+    const std::vector<std::string> files = GETCOMMANDLINEFILES();
     if (IsLoaded(Main)) SetCaption(Main, "");  // so that the search cannot find this copy
     const OtherControl found = FINDOTHERCONTROL(os::executablePath(), GETMAINCAPTIONSTR(), "File_Open");
-    if (found.window != 0 && found.control != 0) {
-        const bool content = FileSize(file) > 0;
-        if (content && taken(found, file)) return;
-        if (!content && !file.empty()) {
-            Sound();
-            MsgBox("Error",
-                   "The following file:\n\n\t'" + file +
-                       "'\n\ndoes not exist and cannot be opened. Try again with another file.",
-                   "OK", BoxIcon::Error);
-            return;
-        }
+    if (found.window != 0 && found.control != 0 && !files.empty()) {
+        bool done = true;
+        for (const std::string& file : files) done = passOn(found, file) && done;
+        if (done) return;
     }
     Sound();
-    MsgBox("Error 807", reason, "OK", BoxIcon::Error);
+    MsgBox("Error 807",
+           reason + "\nThe copy that runs has its own windows: look for them among those of your desktop.\n"
+                    "To open a file there, start with its name or use File-Open.",
+           "OK", BoxIcon::Error);
 }
 
 bool mayContinue(std::int32_t code) {

@@ -4,12 +4,12 @@
 #include "ide/build/toolrun.h"
 #include "ide/shell/windows.h"
 #include "library/net/netutil.h"
-#include "os/text/initext.h"
 #include "library/settings/profstr.h"
 #include "library/source/codewiz.h"
 #include "library/system/system.h"
 #include "os/files.h"
 #include "os/process.h"
+#include "os/text/initext.h"
 #include "platform/registry.h"
 
 #include <algorithm>
@@ -121,15 +121,41 @@ std::string GETMAINCAPTIONSTR() {
     return REPLACECONSTANTS(PROFILESTRGET(GETIDEINIFILE(), "GenOptionsDlg", "Combo1"));
 }
 
-std::string GETCOMMANDLINEFILE() {
-    FRAME(GETCOMMANDLINEFILE);
-    std::string file;
-    for (const std::string& argument : os::commandLine()) ADDWORD(argument, " ", file);
-    file = STRREMOVEQUOTES(file);
+namespace {
+
+std::string fullName(const std::string& given) {
+    std::string file = STRREMOVEQUOTES(given);
     if (file.empty()) return file;
     if (FILEGETEXT(file).empty()) file += ClassExtension;
     if (!ISROOTED(file)) file = FILEADDSEPARATOR(GETCURDIR()) + file;
     return file;
+}
+
+}  // namespace
+
+std::string GETCOMMANDLINEFILE() {
+    FRAME(GETCOMMANDLINEFILE);
+    std::string file;
+    for (const std::string& argument : os::commandLine()) ADDWORD(argument, " ", file);
+    return fullName(file);
+}
+
+std::vector<std::string> GETCOMMANDLINEFILES() {
+    FRAME(GETCOMMANDLINEFILES);
+    const std::string whole = GETCOMMANDLINEFILE();
+    if (whole.empty()) return {};
+    std::vector<std::string> files;
+    for (const std::string& argument : os::commandLine())
+        if (const std::string file = fullName(argument); !file.empty()) files.push_back(file);
+    const bool any =
+        std::any_of(files.begin(), files.end(), [](const std::string& file) { return FileSize(file) >= 0; });
+    return FileSize(whole) >= 0 || !any ? std::vector{whole} : files;
+}
+
+std::string MISSINGFILETEXT(const std::string& file) {
+    FRAME(MISSINGFILETEXT);
+    return "The following file:\n\n\t'" + file +
+           "'\n\ndoes not exist and cannot be opened. Try again with another file.";
 }
 
 namespace {

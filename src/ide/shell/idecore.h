@@ -9,6 +9,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -30,6 +31,9 @@ std::string GETMAINCAPTIONSTR();
 // The file named on the command line: ".cls" added if it has no extension, the current folder in front unless
 // it is rooted; empty if there is none.
 std::string GETCOMMANDLINEFILE();
+// The same as several files: words that are no name together, while one of them is a file by itself.
+std::vector<std::string> GETCOMMANDLINEFILES();
+std::string MISSINGFILETEXT(const std::string& file);  // what is told of one that is not there
 // Fills the paths that the settings leave empty with what lies beside the executable, and tells programs
 // under debug where the settings are.
 void PREPARESETTINGS();

@@ -169,8 +169,17 @@ void showToolbarAsSet(const std::string& ini) {
     DO_STD_TOOLBAR(Main, MAINCONTROL("codelabel"), item);
 }
 
-void chooseOpeningAction(const std::string& ini, const std::string& file) {
-    if (!file.empty()) return DO_OPEN(file, MAINCONTROL("programlabel"));
+void openFiles(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+        if (FileSize(file) >= 0)
+            DO_OPEN(file, MAINCONTROL("programlabel"));
+        else
+            MsgBox("File-Open", MISSINGFILETEXT(file), "OK", BoxIcon::Error);
+    }
+}
+
+void chooseOpeningAction(const std::string& ini, const std::vector<std::string>& files) {
+    if (!files.empty()) return openFiles(files);
     const auto chosen = [&](std::string_view key) { return PROFILESTRGET(ini, "GenOptionsDlg", key) == "1"; };
     if (chosen("rbStartup1")) return DO_NEW_TEXTFILE(MAINCONTROL("codelabel"));
     if (chosen("rbStartup2"))
@@ -249,14 +258,14 @@ void showMainWindow() {
 }
 
 // What a halt has left comes ahead of what the user has chosen for the start.
-void open(const std::string& ini, const std::string& file) {
+void open(const std::string& ini, const std::vector<std::string>& files) {
     FRAME(OPENATSTART);
     STAMP();
     static_cast<void>(FINISHCHANGES());
     STAMP();
     const bool restored = OFFERRESCUEDTEXT();
     STAMP();
-    if (!restored) chooseOpeningAction(ini, file);
+    if (!restored) chooseOpeningAction(ini, files);
     STAMP();
     UPDATEMAINWINDOW();
     STAMP();
@@ -274,13 +283,13 @@ void DO_LOAD() {
     prepareMainWindow(ini);
     prepareCodeWindow();
     STAMP();
-    const std::string file = GETCOMMANDLINEFILE();
+    const std::vector<std::string> files = GETCOMMANDLINEFILES();
     goToLastFolder(ini);
     STAMP();
     showMainWindow();
     const Rect placed = IsLoaded(SDIEdit) ? GetPosition(SDIEdit, WINDOW_UNIT) : Rect{};
     STAMP();
-    if (IsLoaded(Main)) open(ini, file);
+    if (IsLoaded(Main)) open(ini, files);
     STAMP();
     // The frame of the main window may have come late; where the user has put the Code window it stays.
     if (IsLoaded(SDIEdit) && GetPosition(SDIEdit, WINDOW_UNIT) == placed) placeCodeWindow();

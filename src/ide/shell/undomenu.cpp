@@ -154,8 +154,8 @@ std::string APPENDDATEHEADINGS(const std::string& files) {
         const std::string date = FILEGETEMBEDDEDDATE(file);
         if (date.empty()) continue;
         const std::string full = TIMEMAKEFULLSTR(date);
-        const std::string day = full.substr(0, dayLength);
-        if (day != last) items += "* ------ " + day + " (" + DAYNAMEOF(full) + ") ------ \n";
+        const std::string day = ISDATESTRVALID(full) ? full.substr(0, dayLength) : std::string();
+        if (day != last && !day.empty()) items += "* ------ " + day + " (" + DAYNAMEOF(full) + ") ------ \n";
         last = day;
         items.append(file) += '\n';
     }

@@ -154,7 +154,9 @@ bool SAVEFILE(const std::string& file, const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text.append(line) += '\n';
     STAMP();
-    return SAVEFILE(file, text);
+    const bool saved = SAVEFILE(file, text);
+    detail::LastFailedSave().ofText = false;  // no edit window holds lines
+    return saved;
 }
 
 std::string SAVEFILEREPORT() {
@@ -170,10 +172,12 @@ std::string SAVEFILEREPORT() {
     if (os::infoOf(os::native(failed.file)).special)
         return text +
                "It is a device or a pipe, which may have got a part. Look whether a program reads from it.";
-    if (!failed.ofText)
-        return text + "The file on disk is as it was. Save again when the cause is gone, or to another file.";
-    return text + "The file on disk is as it was, and the text is still in its window.\n"
-                  "Save it again when the cause is gone, or under another name with File-Save As.";
+    const bool isThere = os::infoOf(os::native(failed.file)).exists;
+    const std::string disk = isThere ? "The file on disk is as it was" : "Nothing was written";
+    if (!failed.ofText) return text + disk + ". Save again when the cause is gone, or to another file.";
+    return text + disk +
+           ", and the text is still in its window.\n"
+           "Save it again when the cause is gone, or under another name with File-Save As.";
 }
 
 void FILEDELETE(const std::string& file) {

@@ -64,10 +64,10 @@ Section findSection(std::string_view text, std::string_view name) {
     return {};
 }
 
-// The key of an entry; empty if the line is no entry.
-std::string_view entryKey(std::string_view line) {
-    const std::size_t size = line.find('=');
-    return size != npos && isKey(line.substr(0, size)) ? line.substr(0, size) : std::string_view();
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+    return text;
 }
 
 // Whether `line` is the entry of `key`; looks at no more characters than that takes.
@@ -164,9 +164,10 @@ std::string keys(std::string_view text, std::string_view section) {
     if (!at.found()) return out;
     std::string_view rest = text.substr(at.body);
     while (!rest.empty() && rest.front() != '[') {
-        const std::string_view key = entryKey(ascii::takeLine(rest));
-        if (key.empty()) continue;
-        out.append(key);
+        const std::string_view line = ascii::takeLine(rest);
+        const std::size_t equals = line.find('=');
+        if (line.front() == ';' || equals == npos) continue;
+        out.append(trimmed(line.substr(0, equals)));
         out += '\n';
     }
     return out;

@@ -285,6 +285,7 @@ void runCommands() {
         Window* const window = windowWith(command.windowClass, command.caption);
         if (window == nullptr) continue;
         view().raise(*window);
+        if (isAlive(*window)) activate(*window);  // for the command, which may look where its user is
         if (isAlive(*window)) send(window->object, command.control, command.text);
     }
 }

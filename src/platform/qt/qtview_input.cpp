@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QShortcutEvent>
+#include <QTimer>
 
 namespace tarn::platform::qt {
 
@@ -72,11 +73,33 @@ bool nameKeys(Control& field, const PressedKeys& keys) {
 
 }  // namespace
 
+namespace {
+
+constexpr int WindowSystemsTime = 300;  // milliseconds, to minimise all that belongs together
+
+// A modal dialog that is minimised while another window of the program can still be seen comes back: that one would look
+// alive and take nothing. When all are minimised it waits until one of them returns.
+void reviveModal() {
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (modal == nullptr || !modal->isMinimized()) return;
+    const QWidgetList all = QApplication::topLevelWidgets();
+    const bool seen = std::any_of(all.begin(), all.end(), [](const QWidget* other) {
+        return other->isVisible() && !other->isMinimized() && frameOfWidget(other) != nullptr;
+    });
+    if (!seen) return;
+    modal->setWindowState(modal->windowState() & ~Qt::WindowMinimized);
+    modal->raise();
+    modal->activateWindow();
+}
+
+}  // namespace
+
 bool QtView::eventFilter(QObject* receiver, QEvent* event) {
     if (debugger_.takes(receiver, *event)) return true;
     if (tracking_ != nullptr && tracking_->hear(*event)) return true;
     const auto type = event->type();
     if (type == QEvent::FocusIn) noteFocus(receiver);
+    if (type == QEvent::WindowStateChange) QTimer::singleShot(WindowSystemsTime, this, reviveModal);
     if (!isInput(type)) return false;
     if (type == QEvent::KeyPress || type == QEvent::MouseButtonPress) {
         input_ = true;

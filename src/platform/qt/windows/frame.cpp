@@ -82,6 +82,10 @@ Frame::Frame(Window& window)
     const Flag quiet(applying_);
     frames().insert(this);
     window.widget = this;
+    constexpr int calm = 250;  // milliseconds
+    calm_.setSingleShot(true);
+    calm_.setInterval(calm);
+    connect(&calm_, &QTimer::timeout, this, [this] { noteNormal(); });
     setObjectName(shown(window.name.empty() ? window.object.window() : window.name));
     setAttribute(Qt::WA_QuitOnClose, false);
     applyFont(*client_, window.font, {});

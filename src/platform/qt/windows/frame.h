@@ -7,9 +7,11 @@
 #include "platform/model/model.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 class QMenuBar;
+class QScrollBar;
 
 namespace tarn::platform::qt {
 
@@ -40,6 +42,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     void open();   // shows, as its state says
@@ -56,28 +59,42 @@ private:
     void applyTitle();
     void leaveRing();
     void applyModality();
+    void applyKind();
     void coloursChanged();
     void applyColours(Control& control);
     void settleLarge();  // once the window system has done its part of that
     [[nodiscard]] QSize largestSize() const;
     void maximiseWithin();  // to the largest position, which may be less than the screen
+    void goBack();          // from there
+    void noteNormal();      // where it stands, once it has come to rest
+    void waitForFrame();    // the window system is about to give frame and size, one after the other
     void report();          // the frame's place, if it is news to the model
     void settle();          // after the window system has told how wide the frame is
     void takeMargins(const QMargins& margins, bool keepsClient);
     [[nodiscard]] bool capped() const;  // has a largest position
     [[nodiscard]] int barHeight() const;
     void focusFirst();
+    [[nodiscard]] QSize contentSize() const;  // of bar and client area
+    [[nodiscard]] QSize fitted(const QSize& content) const;
+    [[nodiscard]] bool isCut() const;  // smaller than its content, which scrolls
+    void keepInReach();
+    void makeScrollBars();
+    void layOutScrolled(int bar);
+    void scrollTo(const QWidget& widget);
 
     Window* window_;
     QMenuBar* bar_;
     SurfaceWidget* client_;
     QRect normal_;           // where a window at its largest position came from
+    QTimer calm_;            // until it has not moved for a while
+    int waits_ = 0;          // for frame and size: how many of them
     bool large_ = false;     // at its largest position
     bool applying_ = false;  // what happens now is the model's doing
     bool rebuild_ = false;
     bool seen_ = false;
     Rect first_;        // where the resources put the window: position, and size of the client area
     QMargins assumed_;  // of the frame, while the window system has not told
+    QScrollBar *down_ = nullptr, *across_ = nullptr;  // of a dialog that is larger than the screen
 };
 
 bool staysOnTop();  // a window is shown that stays above all others: a modal one that opens has to stay above it

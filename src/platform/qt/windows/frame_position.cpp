@@ -7,6 +7,7 @@
 
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTimer>
 #include <QWindow>
 
@@ -56,8 +57,9 @@ void Frame::place() {
     if (window_->borderStyle == 2)
         resize(size);
     else
-        setFixedSize(size);
+        setFixedSize(fitted(size));
     move(frame.x, frame.y);
+    if (isCut()) keepInReach();
     layOut();
 }
 
@@ -65,7 +67,12 @@ void Frame::layOut() {
     if (window_ == nullptr) return;
     const int bar = barHeight();
     bar_->setGeometry(0, 0, width(), bar);
+    if (isCut()) return layOutScrolled(bar);
     client_->setGeometry(0, bar, width(), std::max(height() - bar, 0));
+    if (down_ != nullptr) {
+        down_->hide();
+        across_->hide();
+    }
     if (const Peer* editor = Peer::of(*client_); editor != nullptr)
         editor->widget()->setGeometry(client_->rect());
 }
@@ -83,14 +90,38 @@ QSize Frame::largestSize() const {
 
 void Frame::maximiseWithin() {
     const Flag quiet(applying_);
-    if (!large_) normal_ = geometry();
+    if (!large_ && !isMaximized()) normal_ = geometry();
     large_ = true;
+    if (isMaximized()) waitForFrame();
     showNormal();
     resize(largestSize());
     move(window_->maximum_.x, window_->maximum_.y);
     // A window system that has just taken the whole screen may place the window by the frame it had there.
     for (const int milliseconds : {100, 400})
         QTimer::singleShot(milliseconds, this, [this] { settleLarge(); });
+}
+
+// A window system that makes a window large tells of its size ahead of its state. So what counts as the place to come back
+// to is one that the window has had for a while.
+void Frame::noteNormal() {
+    if (window_ != nullptr && isVisible() && !large_ && windowState() == Qt::WindowNoState)
+        normal_ = geometry();
+}
+
+void Frame::goBack() {
+    const Flag quiet(applying_);
+    large_ = false;
+    waitForFrame();
+    showNormal();
+    setGeometry(normal_);
+}
+
+void Frame::waitForFrame() {
+    constexpr int milliseconds = 300;
+    ++waits_;
+    QTimer::singleShot(milliseconds, this, [this] {
+        if (--waits_ == 0) settle();
+    });
 }
 
 void Frame::settleLarge() {
@@ -115,19 +146,20 @@ void Frame::applyState() {
     const Qt::WindowStates wanted = state == 1   ? Qt::WindowMinimized
                                     : state == 2 ? Qt::WindowMaximized
                                                  : Qt::WindowNoState;
+    if (isMaximized() && state != 2) waitForFrame();
     if (isVisible()) setWindowState((windowState() & ~(Qt::WindowMinimized | Qt::WindowMaximized)) | wanted);
 }
 
 void Frame::report() {
-    if (window_ == nullptr || applying_ || !isVisible() || window_->closing) return;
+    if (window_ == nullptr || applying_ || waits_ > 0 || !isVisible() || window_->closing) return;
     // Until the frame has been seen, what the widget tells is not the size of the window.
     const QMargins margins = windowHandle() != nullptr ? windowHandle()->frameMargins() : assumed_;
     if (margins.isNull() && !assumed_.isNull()) return;  // settle() will look again
     if (margins != assumed_ && !isMaximized()) return settle();
     const int state = isMinimized() ? 1 : isMaximized() || large_ ? 2 : 0;
     const QRect frame = frameGeometry();
-    const Rect now =
-        state == 1 ? window_->position : Rect{frame.x(), frame.y(), frame.width(), frame.height()};
+    Rect now = state == 1 ? window_->position : Rect{frame.x(), frame.y(), frame.width(), frame.height()};
+    if (isCut()) now = {now.x, now.y, window_->position.w, window_->position.h};
     if (now == window_->position && state == window_->state) return;
     userMoved(*window_, now, state);
 }
@@ -147,7 +179,7 @@ void Frame::takeMargins(const QMargins& margins, bool keepsClient) {
 // The width of the frame is known only once the window system has drawn it. A window as its resources made it, and one whose
 // size the user cannot change, keeps its client area.
 void Frame::settle() {
-    if (window_ == nullptr || windowHandle() == nullptr || !isVisible()) return;
+    if (window_ == nullptr || windowHandle() == nullptr || !isVisible() || waits_ > 0) return;
     if (isMaximized()) return report();  // with another frame, or none
     const QMargins margins = windowHandle()->frameMargins();
     const bool news = margins != assumed_;
@@ -157,7 +189,7 @@ void Frame::settle() {
     if (news && window_->state == 0 && !isMaximized() && !large_) {
         const Flag quiet(applying_);
         takeMargins(margins, before == QSize(first_.w, first_.h) || window_->borderStyle != 2);
-        const bool dragged = size() != QSize(before.width(), before.height() + barHeight());
+        const bool dragged = !isCut() && size() != QSize(before.width(), before.height() + barHeight());
         if (!dragged) place();  // else the user has sized it meanwhile, and the model is told below
     }
     assumed_ = margins;

@@ -40,6 +40,14 @@ void Frame::leaveRing() {
         if (other->transientParent() == windowHandle()) other->setTransientParent(nullptr);
 }
 
+// A window of its own kind says to the window system that it waits on the one below it, and is neither lost behind that one
+// nor minimised by its title.
+void Frame::applyKind() {
+    const Qt::WindowFlags kind = window_->modal ? Qt::Dialog : Qt::Window;
+    if (isVisible() || (windowFlags() & Qt::WindowType_Mask) == kind) return;
+    setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | kind);
+}
+
 void Frame::applyModality() {
     const Qt::WindowModality wanted = window_->modal ? Qt::ApplicationModal : Qt::NonModal;
     if (windowModality() != wanted) {
@@ -49,6 +57,7 @@ void Frame::applyModality() {
     const bool onTop = window_->onTop || (window_->modal && staysOnTop());
     if (!isVisible() && onTop != windowFlags().testFlag(Qt::WindowStaysOnTopHint))
         setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
+    applyKind();
     Frame* below = frameOfWidget(QApplication::activeWindow());
     winId();
     leaveRing();
@@ -146,11 +155,13 @@ void Frame::closeEvent(QCloseEvent* event) {
 
 void Frame::moveEvent(QMoveEvent* event) {
     QWidget::moveEvent(event);
+    calm_.start();
     report();
 }
 
 void Frame::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    calm_.start();
     layOut();
     report();
 }
@@ -171,18 +182,17 @@ void Frame::changeEvent(QEvent* event) {
         coloursChanged();
     }
     if (window_ == nullptr || event->type() != QEvent::WindowStateChange || applying_) return;
+    const bool wasLarge =
+        static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowMaximized);
+    if (wasLarge && !isMaximized()) waitForFrame();
     if (!isMaximized() || !capped()) return report();
     // The window system has taken the whole screen: shrink to the largest position, or go back from it.
     QTimer::singleShot(0, this, [this] {
         if (window_ == nullptr || !isMaximized()) return;
-        if (large_) {
-            const Flag quiet(applying_);
-            large_ = false;
-            showNormal();
-            setGeometry(normal_);
-        } else {
+        if (large_)
+            goBack();
+        else
             maximiseWithin();
-        }
         report();
     });
 }

@@ -81,8 +81,28 @@ TEST_F(Backup, OnAFullDiskKeepsTheOldOnes) {
     EXPECT_EQ(disk.contents(day(1)), "day 1");
     EXPECT_EQ(backups().size(), 1u);
     ASSERT_EQ(asked.size(), 1u);
-    EXPECT_TRUE(asked[0].text.starts_with("Disk drive full up (error 654).\n")) << asked[0].text;
+    EXPECT_TRUE(
+        asked[0].text.starts_with("Disk drive full up (error 654).\nThe automatic backup could not be "
+                                  "written:\n\n\t'" +
+                                  now + "'\n\n"))
+        << asked[0].text;
     EXPECT_TRUE(GetModify(SDIEdit));
+}
+
+TEST_F(Backup, ThatFailedIsTriedAgainAndToldOnce) {
+    openAndChange();
+    disk.setFreeBytes(3);
+    tick();
+    tick();
+    EXPECT_EQ(backups().size(), 0u);
+    EXPECT_EQ(asked.size(), 1u) << "the user knows";
+    disk.setFreeBytes(1000);
+    tick();
+    EXPECT_EQ(backups().size(), 1u) << "without another change";
+    type("x");
+    disk.setFreeBytes(3);
+    tick();
+    EXPECT_EQ(asked.size(), 2u) << "it had worked again";
 }
 
 TEST_F(Backup, ThatCannotPushOutTheOldestSaysSo) {
@@ -95,6 +115,9 @@ TEST_F(Backup, ThatCannotPushOutTheOldestSaysSo) {
     EXPECT_EQ(disk.contents(now), "one\ntwo\n");
     ASSERT_EQ(asked.size(), 1u);
     EXPECT_NE(asked[0].text.find("(error 652)"), std::string::npos) << asked[0].text;
+    EXPECT_NE(asked[0].text.find("An old automatic backup could not be deleted:\n\n\t'" + day(1) + "'"),
+              std::string::npos)
+        << asked[0].text;
 }
 
 TEST_F(Backup, InAFolderWithoutWriteAccessIsWarnedOfAndNotTried) {

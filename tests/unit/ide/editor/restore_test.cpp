@@ -315,5 +315,12 @@ TEST_F(Restore, OnAFullDiskLeavesTheFile) {
         << asked[0].text;
 }
 
+TEST_F(Restore, NamesNoDayWhereTheNameHasNone) {
+    const std::string named = "/home/user/note.txt (hello).bak";
+    disk.put(named, "old\n");
+    restore(named);
+    EXPECT_EQ(saw("lblprompt"), "Restore 'note.txt' to how it was.");
+}
+
 }  // namespace
 }  // namespace tarn

@@ -148,5 +148,20 @@ TEST_F(WindowMenu, CloseAllClosesAllButTheMainWindow) {
     EXPECT_FALSE(ISSHOWN(ViewDlg));
 }
 
+TEST_F(WindowMenu, ArrangeLetsTheProgramWindowLayItsListOut) {
+    Load(ProjectEditorDlg);
+    Show(ProjectEditorDlg, false);
+    ASSERT_TRUE(ISSHOWN(ProjectEditorDlg));
+    const auto below = [] {
+        const Rect list = GetPosition(FINDCONTROL(ProjectEditorDlg, "iconlist1"), CLIENT_UNIT);
+        return GetPosition(ProjectEditorDlg, CLIENT_UNIT).h - list.y - list.h;
+    };
+    const int margin = below();
+    DO_WINDOW_ARRANGE();
+    for (int waited = 0; below() != margin && waited < 100; waited++) DoEvents(), usleep(10000);
+    EXPECT_EQ(place(ProjectEditorDlg).h, 1080 - top);
+    EXPECT_EQ(below(), margin);
+}
+
 }  // namespace
 }  // namespace tarn

@@ -21,9 +21,13 @@ TEST(DateHeadings, StandAboveTheFilesOfADay) {
     EXPECT_EQ(APPENDDATEHEADINGS("/d/a.txt.bak\n/d/a.txt ().bak\n"), "") << "no date";
     EXPECT_EQ(APPENDDATEHEADINGS(
                   "/d (x)/a.txt (2015-03-01 10-15-00).bak\n/d (x)/a.txt (2015-02-01 10-15-00).bak\n"),
-              "* ------ x000-01-01 () ------ \n/d (x)/a.txt (2015-03-01 10-15-00).bak\n"
-              "/d (x)/a.txt (2015-02-01 10-15-00).bak\n")
+              "/d (x)/a.txt (2015-03-01 10-15-00).bak\n/d (x)/a.txt (2015-02-01 10-15-00).bak\n")
         << "a folder that hides it";
+    const std::string other = "/d/a.txt (hello).bak";
+    EXPECT_EQ(APPENDDATEHEADINGS(a + "\n" + other + "\n" + b + "\n"),
+              "* ------ 2015-03-01 (Sunday) ------ \n" + a + "\n" + other +
+                  "\n* ------ 2015-03-01 (Sunday) ------ \n" + b + "\n")
+        << "what is no date is no heading, and ends the day above it";
     EXPECT_EQ(APPENDDATEHEADINGS("/d/a (2015-02).bak\n"),
               "* ------ 2015-02-01 (Sunday) ------ \n/d/a (2015-02).bak\n")
         << "a date in part is completed";

@@ -176,7 +176,7 @@ TEST_F(Profile, AKeyWithOtherCharactersThanLettersIsWrittenAndFoundAgain) {
         std::string other = key;
         for (char& c : other) c = ascii::upper(c);
         EXPECT_EQ(PROFILESTRGET(File, "a", other), "v") << key;
-        EXPECT_EQ(PROFILESTRKEYS(File, "A"), "x\n" + key + "\nlast\n") << key;
+        EXPECT_EQ(PROFILESTRKEYS(File, "A"), "x\nkey\n" + key + "\nlast\n") << key;
         EXPECT_EQ(PROFILESTRGET(File, "A", "key"), "") << "a blank ahead of the = makes it no entry";
         PROFILESTRPUT(File, "A", key, "again");
         EXPECT_EQ(text(), old + key + "=again\r\nlast=w\r\n");

@@ -74,11 +74,18 @@ TEST_F(Profile, UmlautsAreComparedByteByByteAndOnlyAsciiLettersFold) {
     EXPECT_EQ(get("Main", "_a9"), "2");
 }
 
+TEST_F(Profile, KeysAreThoseOfTheValuesLineByLineWithoutBlanks) {
+    start("[A]\r\nkey =no\r\n\tb\t= x\r\n;c=1\r\nk=v\r\n");
+    EXPECT_EQ(get("A", ""), "no\n x\nv\n");
+    EXPECT_EQ(PROFILESTRKEYS(File, "A"), "key\nb\nk\n");
+    EXPECT_EQ(get("A", "key"), "") << "which makes it no entry";
+}
+
 TEST_F(Profile, AWholeSectionReadEndsAtABlankLineWhileKeysGoOn) {
     start(
         "[L]\r\n1=\"first\"\r\n;2=no\r\nno equals\r\n =odd\r\n3=a=b\r\n4=\r\n\r\n5=behind\r\n[M]\r\n6=x\r\n");
     EXPECT_EQ(get("L", ""), "first\nodd\na=b\n\n");
-    EXPECT_EQ(PROFILESTRKEYS(File, "L"), "1\n3\n4\n5\n");
+    EXPECT_EQ(PROFILESTRKEYS(File, "L"), "1\n\n3\n4\n5\n");
     EXPECT_EQ(get("L", "5"), "behind");
     EXPECT_EQ(PROFILESTRKEYS(File, "Absent"), "");
     EXPECT_EQ(get("Absent", ""), "");

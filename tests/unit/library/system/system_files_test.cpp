@@ -94,6 +94,22 @@ TEST_F(Files, AFailedSaveKeepsTheOldTextAndTellsWhatToDo) {
     EXPECT_EQ(files.contents("/a/x"), "new");
 }
 
+TEST_F(Files, TheReportSaysOnlyWhatIsTrueOfDiskAndWindow) {
+    files.put("/a/x", "old");
+    files.failAlways(os::FileCall::Write, os::FileError::DiskFull);
+    const auto ends = [](const std::string& text) { return SAVEFILEREPORT().ends_with(text); };
+    EXPECT_FALSE(SAVEFILE("/a/x", "new"));
+    EXPECT_TRUE(ends("The file on disk is as it was, and the text is still in its window.\n"
+                     "Save it again when the cause is gone, or under another name with File-Save As."));
+    EXPECT_FALSE(SAVEFILE("/a/absent", "new"));
+    EXPECT_TRUE(ends("\nNothing was written, and the text is still in its window.\n"
+                     "Save it again when the cause is gone, or under another name with File-Save As."));
+    EXPECT_FALSE(SAVEFILE("/a/absent", std::vector<std::string>{"new"}));
+    EXPECT_TRUE(ends("\nNothing was written. Save again when the cause is gone, or to another file."))
+        << "lines are in no window";
+    takeError();
+}
+
 TEST_F(Files, EveryFailureOfASaveLeavesTheOldOrTheNewText) {
     files.put("/a/x", "old");
     ASSERT_TRUE(SAVEFILE("/a/x", "new"));
