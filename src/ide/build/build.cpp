@@ -38,8 +38,8 @@ bool mayBuildUntitled(const std::string& title, std::string& file) {
 
 bool isThere(const std::string& title, const std::string& file, std::int64_t least) {
     if (FileSize(file) >= least) return true;
-    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n\t'" + file +
-                      "'\n\nis empty or does not exist.");
+    MSGBOX(title, "It is not possible to use the '" + title + "' command.\nThe following file:\n\n\t'" +
+                      file + "'\n\nis empty or does not exist.");
     return false;
 }
 

@@ -207,8 +207,8 @@ void loadEditor(const DialogOpening& opening) {
 }
 
 void tellLoadError(const DialogOpening& opening, const std::string& error) {
-    MSGBOX(DialogEditorTitle, "Can't load properties for '" + opening.dialog + "' from file '" +
-                                  opening.file + "'.\n" + error);
+    MSGBOX(DialogEditorTitle,
+           "Can't load properties for '" + opening.dialog + "' from file '" + opening.file + "'.\n" + error);
 }
 
 // False, and told, if the dialog cannot be edited.

@@ -184,7 +184,8 @@ void loaded() {
 int sizeFrom(int client, int offsets, int most, int before) {
     const int drawn = ZOOMEDPIXELS(DialogDlg, before + offsets);
     const bool cut = most > 0 && client >= most && drawn > most;
-    return cut || client == drawn ? before : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, LEAST_SIDE);
+    return cut || client == drawn ? before
+                                  : std::max(UNZOOMEDPIXELS(DialogDlg, client) - offsets, LEAST_SIDE);
 }
 
 // A window that is drawn on hears of other colours as of another size.

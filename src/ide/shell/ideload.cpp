@@ -155,7 +155,8 @@ int programWidth() {
 // At the first start the Code window takes the room below the main window, and leaves the error window's at the bottom and
 // the Program Window's at the right.
 void placeCodeWindow() {
-    if (HASPLACE("Sdiedit") || !IsLoaded(Main) || !IsLoaded(SDIEdit)) return;  // the user may have closed them
+    if (HASPLACE("Sdiedit") || !IsLoaded(Main) || !IsLoaded(SDIEdit))
+        return;  // the user may have closed them
     const Rect screen = ScreenSize(), main = GetPosition(Main, WINDOW_UNIT);
     const int top = main.y + main.h;
     const int width = std::max(screen.w - std::max(programWidth(), screen.w / 4), screen.w / 2);

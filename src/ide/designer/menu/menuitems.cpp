@@ -180,7 +180,8 @@ std::string faultOf(const MenuItemCheck& item, int row) {
         return head + "Names should start with a letter and contain letters, digits or the underscore." +
                again;
     if (item.name.size() > LongestName)
-        return head + "A name can have at most " + STR(static_cast<int>(LongestName)) + " characters." + again;
+        return head + "A name can have at most " + STR(static_cast<int>(LongestName)) + " characters." +
+               again;
     if (!item.name.empty() && isTaken(item.name, row))
         return head + "It is already being used for another menu item." + again;
     if (item.caption.empty() && !item.name.empty())

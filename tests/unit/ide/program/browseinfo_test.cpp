@@ -94,8 +94,8 @@ TEST_F(BrowseInfo, WithoutAPlaceOfItsOwnItStandsWhereItStoodAtFirst) {
 TEST_F(BrowseInfo, ControlArraysAreToldFromTheirMembers) {
     prepare();
     const std::string member = "\"W\",1,\"r1\",\"visualobject\",2,2,0,\"A\",";
-    write("a.sym", member + "0,0,0,0,0,0,\"\",\"Radiobutton\"\n" + member +
-                       "1,3,0,0,0,0,\"\",\"Radiobutton\"\n");
+    write("a.sym",
+          member + "0,0,0,0,0,0,\"\",\"Radiobutton\"\n" + member + "1,3,0,0,0,0,\"\",\"Radiobutton\"\n");
     DO_BROWSE_INFO();
     const std::string line = "W.r1\tvisualobject\tA\t\"" + file + "\"\t2\tRadiobutton";
     EXPECT_EQ(GetList(control("iconlist1"), 1), line);

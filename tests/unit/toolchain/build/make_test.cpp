@@ -71,7 +71,8 @@ TEST_F(Make, TheRunTimeLibraryIsAmongTheTargetsAndTheEditWindowsWhereThereIsOne)
     for (const char* file : {"libtarnwick.so", "libtarnwick-qt.so", "libtarnwick-edit.so", "tarnwick-fatal"})
         write(std::string("tools/") + file, "library");
     write("b.rc", "Main DIALOG\nEND\n");
-    EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so tools/libtarnwick-qt.so tools/tarnwick-fatal ");
+    EXPECT_EQ(query("/ft"),
+              "main.exe main.rcx tools/libtarnwick.so tools/libtarnwick-qt.so tools/tarnwick-fatal ");
     write("c.rc", "Other EditWindow\nEND\n");
     EXPECT_EQ(query("/ft"), "main.exe main.rcx tools/libtarnwick.so tools/libtarnwick-qt.so "
                             "tools/libtarnwick-edit.so tools/tarnwick-fatal ");
