@@ -103,7 +103,7 @@ TEST_F(Compiler, CompileNamesWhatStandsInItsWay) {
     COMPILESINGLEFILE(cls, 1);
     EXPECT_EQ(lastText(),
               "Cannot compile '" + cls +
-                  "'\n\nCannot find the compiler. It should be in the following file:\n\n\t'" + dir +
+                  "'\n\nCannot find the compiler. It should be in the following file:\n\t'" + dir +
                   "tools/quarn.exe'\n\nUse Tools-Options-Paths to make sure it is in the directory "
                   "specified by the compiler file path.\n");
     write("tools/quarn.exe", "x");

@@ -286,7 +286,7 @@ TEST_F(Compile, SaysWhyAWindowCannotBeCompiled) {
     open(write("b.txt", "Tarnwick Class b\nEnd class\n"));
     RUN_COMPILE(SDIEdit);
     EXPECT_EQ(lastText(),
-              "The following class:\n\n'" + dir +
+              "The following class:\n\n\t'" + dir +
                   "b.txt'\n\ncannot be compiled because it does not have the correct extension (*.cls)\n"
                   "Save the class with the extension '.cls' then recompile it.");
 }
