@@ -27,6 +27,7 @@ namespace {
 // Each may end the save.
 struct Save {
     std::string file, oldName;
+    bool asSeen = false;   // nobody has changed the dialog in the file
     bool missing = false;  // the dialog is no longer in the file, and the user wants it there
 };
 using Step = bool (*)(Save& save);
@@ -85,6 +86,7 @@ bool codeWindowAgrees(Save& save) {
 // What another program has written meanwhile goes only if the user says so.
 bool maySaveOver(Save& save) {
     const DialogOnDisk state = DIALOGONDISK(save.file, save.oldName);
+    save.asSeen = state == DialogOnDisk::AsSeen;
     save.missing = state == DialogOnDisk::Missing || state == DialogOnDisk::FileMissing ||
                    state == DialogOnDisk::Removed;
     switch (state) {
@@ -138,9 +140,10 @@ std::string menuInFile(const Save& save) {
     return GETPROPVALUE(objects[0], "MENU");
 }
 
-// A menu that the user has deleted goes from the file too, unless another dialog shows it.
+// A menu that the user has deleted goes from the file too, unless another dialog shows it. What another program has given
+// the dialog meanwhile stays.
 void dropMenu(const Save& save, const std::string& before) {
-    if (STREQUAL(before, GETPROPVALUE(DESIGNITEM(-1), "NAME"))) return;
+    if (!save.asSeen || STREQUAL(before, GETPROPVALUE(DESIGNITEM(-1), "NAME"))) return;
     if (const std::string error = DROPMENU(save.file, before); !error.empty()) tell(error);
 }
 
