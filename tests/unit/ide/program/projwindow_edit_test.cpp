@@ -2,6 +2,7 @@
 //
 // What the rows of the Program Window open and edit, and the current resource.
 #include "ide/designer/dlgedit.h"
+#include "support/tempfolder.h"
 #include "unit/ide/program/projwindow_fixture.h"
 
 namespace tarn {
