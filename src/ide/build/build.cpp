@@ -66,6 +66,15 @@ bool mayBuild(const std::string& title, std::string& file) {
     return isOpenFile(file) ? mayBuildOpenFile(title, file) : mayBuildOtherFile(title, file);
 }
 
+bool isMain(const std::string& title, const std::string& file) {
+    if (ISMAINCLASS(file)) return true;
+    MSGBOX(title,
+           "File '" + file + "' is not a main class.\n'" + title +
+               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
+               "command.");
+    return false;
+}
+
 bool hasMakeTool(const std::string& title) {
     const std::string tool = GETORDOEXE();
     if (!FINDTOOL(tool).empty()) return true;
@@ -103,25 +112,12 @@ void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::st
     STAMP();
     if (!mayBuild(title, file) || file.empty()) return;
     STAMP();
-    if (!ISBUILDABLE(title, file)) return;
+    if (!isMain(title, file)) return;
     STAMP();
     const bool ran = make(makeOptions, file);
     STAMP();
     if (!ran) return;
     ok = UPDATEERRORWINDOW(GETCOMPILERDIR());
-}
-
-bool ISBUILDABLE(const std::string& title, const std::string& file) {
-    FRAME(ISBUILDABLE);
-    STAMP();
-    if (ISMAINCLASS(file)) return true;
-    STAMP();
-    MSGBOX(title,
-           "File '" + file + "' is not a main class.\n'" + title +
-               "' only works with main classes.\n\nInstead, compile this class using the 'Run-Compile' "
-               "command.");
-    STAMP();
-    return false;
 }
 
 bool UPDATEERRORWINDOW(const std::string& compilerDir) {

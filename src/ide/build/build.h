@@ -14,8 +14,6 @@ namespace tarn {
 void RUN_BUILD(const std::string& title, const std::string& makeOptions, std::string& file, bool& ok);
 // Compiles the class in the Code window, and tells the outcome.
 void RUN_COMPILE(const Object& window);
-// False, and told, if the class cannot be built because it is no main class.
-bool ISBUILDABLE(const std::string& title, const std::string& file);
 bool ISUPTODATE(const std::string& file);
 // Shows the compiler's messages, or clears the error window when there are none: true.
 bool UPDATEERRORWINDOW(const std::string& compilerDir);

@@ -109,18 +109,10 @@ bool makeReady(const std::string& title, const StartFacts& facts, std::string& f
     return true;
 }
 
-// A text that has changed may be a main class once it has been saved, and what is not there is told by the build.
-bool isKnownAsPart(const std::string& file) {
-    if (FileSize(file) < 1 || (IsLoaded(SDIEdit) && GetModify(SDIEdit))) return false;
-    return !ISMAINCLASS(file);
-}
-
 // The same with full debug information in every class.
 bool makeReadyForDebugger(const std::string& title, const StartFacts& facts, std::string& file) {
     const bool current = facts.upToDate && facts.allCompiledWithD2 && FileSize(exeOf(file)) > 0;
     const bool quick = current || facts.compiledFilesHaveD2;
-    if (!quick && isKnownAsPart(file)) return ISBUILDABLE(title, file);
-    STAMP();
     if (!quick && !mayRebuildAll(title, file)) return false;
     STAMP();
     if (!facts.optionsHaveD2) SETCOMPILEROPTION("-D2");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ide/menus/editsearch.h"
 
-#include "ide/editor/textedit.h"
 #include "ide/search/findfiles.h"
 #include "ide/search/replacefiles.h"
 #include "ide/search/searchdialogs.h"
@@ -58,18 +57,10 @@ void writeChoice(std::string_view section, const Key<Choice> (&keys)[Count], con
     }
 }
 
-bool holdsFile() {
-    if (!EDITWNDGETFILENAME(SDIEdit).empty()) return true;
-    Sound();
-    return false;
-}
-
 }  // namespace
 
 void DO_FIND() {
     FRAME(DO_FIND);
-    STAMP();
-    if (!holdsFile()) return;
     STAMP();
     FindChoice choice = readChoice(FindSection, findKeys);
     STAMP();
@@ -83,8 +74,6 @@ void DO_FIND() {
 void DO_FIND_NEXT() {
     FRAME(DO_FIND_NEXT);
     STAMP();
-    if (!holdsFile()) return;
-    STAMP();
     const FindChoice choice = readChoice(FindSection, findKeys);
     STAMP();
     if (!ISREGEXCHOSEN(FindSection))
@@ -96,8 +85,6 @@ void DO_FIND_NEXT() {
 
 void DO_REPLACE() {
     FRAME(DO_REPLACE);
-    STAMP();
-    if (!holdsFile()) return;
     STAMP();
     ReplaceChoice choice = readChoice(ReplaceSection, replaceKeys);
     STAMP();

@@ -30,8 +30,6 @@ namespace tarn {
 void DO_LINE() {
     FRAME(DO_LINE);
     STAMP();
-    if (EDITWNDGETFILENAME(SDIEdit).empty()) return Sound();
-    STAMP();
     GOTOLINEDIALOG("View-Line", SDIEdit, GETHELPFILE(), "View_Line");
 }
 

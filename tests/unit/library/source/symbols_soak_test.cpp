@@ -246,6 +246,7 @@ void usesThereAndBack(const MadeClass& made) {
 
 void classNameThereAndBack(const MadeClass& made) {
     std::string text = made.text;
+    if (lineCount(text) > MaxLines) return;
     EXPECT_EQ(SYMSETCLASSNAME("Another_name", 0, "Tarnwick", text), "");
     EXPECT_EQ(SYMGETCLASSNAME(0, text, "Tarnwick"), "Another_name");
     EXPECT_EQ(SYMSETCLASSNAME(made.name, 0, "Tarnwick", text), "");

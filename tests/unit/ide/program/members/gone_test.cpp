@@ -35,7 +35,7 @@ TEST_F(GoneMainClass, IsToldByEachCommandThatNeedsIt) {
     write("far/boxes.rc", dialog("New"));
     const auto build = [](const std::string& title) {
         return "It is not possible to use the '" + title +
-               "' command.\nThe following file:\n\n'%'\n\nis empty or does not exist.";
+               "' command.\nThe following file:\n\n\t'%'\n\nis empty or does not exist.";
     };
     const struct {
         std::string title, text;  // "%" is the main class
