@@ -34,18 +34,12 @@ void drawLettered(const DesignControl& control) {
     drawShown(control, list);
 }
 
-// From `down` pixels below the upper edge on.
-void drawOutline(const DesignControl& control, int colour = GRID_GREY, int down = 0) {
+void drawOutline(const DesignControl& control) {
     if (control.running) return;
     const Rect& r = control.rect;
-    SetForeColour(control.window, colour);
+    SetForeColour(control.window, GRID_GREY);
     SetBackColour(control.window, NO_COLOUR);
-    DrawShape(control.window, RECTANGLE_SHAPE, r.x, r.y + down, r.w, r.h - down);
-}
-
-// Seen beside the lines of the grid, on which controls lie.
-int frameColour() {
-    return DesktopInfo().dark ? 0xD8D8D8 : 0x404040;
+    DrawShape(control.window, RECTANGLE_SHAPE, r.x, r.y, r.w, r.h);
 }
 
 std::string absolute(const std::string& path, const PictureFolders& folders) {
@@ -168,10 +162,6 @@ void DRAWGROUPBOX(const DesignControl& control) {
     FRAME(DRAWGROUPBOX);
     STAMP();
     drawShown(control);
-    const bool titled = !GETPROPVALUE(control.properties, "CAPTION").empty();
-    const int title = titled ? TextHeight(control.window, "X") : 0;
-    if (title < control.rect.h) drawOutline(control, frameColour(), title);
-    STAMP();
 }
 
 void DRAWICONLIST(const DesignControl& control) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A window whose size is not the user's to change, and that is larger than the screen, as dialogs are with large letters on
-// a small one: the frame takes what room there is and its content scrolls, by bars, by the wheel, and to where the focus
-// goes. The model knows nothing of it: to the program the window has its whole size.
+// A modal window whose size is not the user's to change, and that is larger than the screen, as dialogs are with large letters
+// on a small one: the frame takes what room there is and its content scrolls, by bars, by the wheel, and to where the focus
+// goes. The model knows nothing of it: to the program the window has its whole size. Others can be moved until the user
+// sees what he wants of them, since they can be left; what is drawn on them stands where the program drew it.
 #include "platform/qt/drawing/surface.h"
 #include "platform/qt/windows/frame_internal.h"
 
@@ -58,7 +59,7 @@ QSize Frame::fitted(const QSize& content) const {
 }
 
 bool Frame::isCut() const {
-    if (window_ == nullptr || window_->borderStyle == 2) return false;
+    if (window_ == nullptr || !window_->modal || window_->borderStyle == 2) return false;
     const QSize content = contentSize(), size = fitted(content);
     return size.width() < content.width() || size.height() < content.height();
 }
