@@ -330,7 +330,8 @@ TEST_F(ViewTest, AModalDialogLargerThanTheScreenScrollsAndKeepsItsSizeForTheProg
         auto* const bar = frame->findChild<QScrollBar*>("scrolldown");
         if (bar == nullptr || !bar->isVisible()) {
             ADD_FAILURE() << "no bar";
-            return Hide(Form);
+            Hide(Form);
+            return;
         }
         SetPosition(in(Form, 312), CLIENT_UNIT, {10, tall.h - 60, 60, 24});
         auto* const ok = find<QPushButton>(Form, "btnok");

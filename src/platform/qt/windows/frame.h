@@ -75,6 +75,7 @@ private:
     [[nodiscard]] int barHeight() const;
     void focusFirst();
     [[nodiscard]] QSize contentSize() const;  // of bar and client area
+    [[nodiscard]] bool mayScroll() const;
     [[nodiscard]] QSize fitted(const QSize& content) const;
     [[nodiscard]] bool isCut() const;  // smaller than its content, which scrolls
     void keepInReach();

@@ -47,8 +47,13 @@ QSize Frame::contentSize() const {
             std::max(window_->position.h - margins.h, 0) + barHeight()};
 }
 
+bool Frame::mayScroll() const {
+    return window_ != nullptr && window_->modal && window_->borderStyle != 2;
+}
+
 // What the screen has room for, and beside it, where it is less than the whole, room for the other direction's bar.
 QSize Frame::fitted(const QSize& content) const {
+    if (!mayScroll()) return content;
     QMargins frame = knownMargins(window_->borderStyle);
     if (frame.isNull()) frame = assumed_;
     const QSize room = screen()->availableGeometry().marginsRemoved(frame).size();
@@ -59,7 +64,7 @@ QSize Frame::fitted(const QSize& content) const {
 }
 
 bool Frame::isCut() const {
-    if (window_ == nullptr || !window_->modal || window_->borderStyle == 2) return false;
+    if (!mayScroll()) return false;
     const QSize content = contentSize(), size = fitted(content);
     return size.width() < content.width() || size.height() < content.height();
 }
