@@ -5,12 +5,9 @@
 #include "ide/shell/idecore.h"
 #include "ide/shell/windows.h"
 #include "ide/shell/windowtable.h"
-#include "library/data/dbutil_windows.h"
 #include "library/dialogs/dialogshape.h"
 #include "library/settings/profstr.h"
 #include "library/system/system.h"
-
-#include <utility>
 
 MODULE("toolmenu")
 
@@ -39,23 +36,9 @@ void load(const Object& window) {
     showOpeningAction(window);
 }
 
-std::string problem(const Object& window) {
-    constexpr int most = 999;  // resource units: no screen is as wide
-    constexpr std::pair<const char*, const char*> fields[] = {{"gridwidth", "Grid width"},
-                                                              {"gridheight", "Grid height"}};
-    for (const auto& [control, name] : fields) {
-        const Object field = FINDCONTROL(window, control);
-        const std::string fault = DLGCHECKINTFIELD(field, name, 0, most);
-        if (!fault.empty() && !STRTRIM(GetText(field)).empty())
-            return fault;  // without numbers there is no grid
-    }
-    return {};
-}
-
-constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP,
-                            .load = load,
-                            .problem = problem,
-                            .accept = [](const Object& window) { SAVEINIFILE(GETIDEINIFILE(), window); }};
+constexpr DialogShape shape{.showHelp = SHOWWINDOWHELP, .load = load, .accept = [](const Object& window) {
+                                SAVEINIFILE(GETIDEINIFILE(), window);
+                            }};
 const RegisteredWindow registered("GenOptionsDlg", GENOPTIONSDLG);
 
 void setDesignGrid() {
