@@ -91,6 +91,7 @@ QSize Frame::largestSize() const {
 void Frame::maximiseWithin() {
     const Flag quiet(applying_);
     if (!large_ && !isMaximized()) normal_ = geometry();
+    if (normal_.isEmpty()) normal_ = normalGeometry();  // made large ahead of coming to rest
     large_ = true;
     if (isMaximized()) waitForFrame();
     showNormal();
@@ -113,7 +114,7 @@ void Frame::goBack() {
     large_ = false;
     waitForFrame();
     showNormal();
-    setGeometry(normal_);
+    if (!normal_.isEmpty()) setGeometry(normal_);
 }
 
 void Frame::waitForFrame() {
