@@ -22,18 +22,8 @@ using platform::types::DebugMarker;
 
 namespace {
 
-class ShownValues : public FrameValues {
+class ShownValues : public WindowOfValues {
 protected:
-    void SetUp() override {
-        FrameValues::SetUp();
-        window_ = platform::StartDebug({}, "", "", "",
-                                       [](platform::DebugWindow&, const platform::types::DebugEvent&) {}, {});
-        ASSERT_NE(window_, nullptr);
-    }
-    void TearDown() override {
-        platform::EndDebug(window_);
-        FrameValues::TearDown();
-    }
     std::vector<std::string> show(std::int32_t frame = 1, bool hex = false) {
         ShowValues(*window_, frame, hex);
         return lines();
@@ -51,7 +41,6 @@ protected:
         return all;
     }
     using Lines = std::vector<std::string>;
-    platform::DebugWindow* window_ = nullptr;
 };
 
 TEST_F(ShownValues, AnEmptyFrameSaysWhy) {

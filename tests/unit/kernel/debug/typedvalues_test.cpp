@@ -15,18 +15,8 @@ using namespace tarn::debugged;
 
 namespace {
 
-class TypedValues : public FrameValues {
+class TypedValues : public WindowOfValues {
 protected:
-    void SetUp() override {
-        FrameValues::SetUp();
-        window_ = platform::StartDebug({}, "", "", "",
-                                       [](platform::DebugWindow&, const platform::types::DebugEvent&) {}, {});
-        ASSERT_NE(window_, nullptr);
-    }
-    void TearDown() override {
-        platform::EndDebug(window_);
-        FrameValues::TearDown();
-    }
     // What the user is told who types this for a value of that kind; it is as it was if that is anything.
     std::string typed(const ValueModel& before, const std::string& text) {
         OddValue value(before);
@@ -42,7 +32,6 @@ protected:
         return told.starts_with(unchanged) ? told.substr(unchanged.size()) : told;
     }
     std::string after_;
-    platform::DebugWindow* window_ = nullptr;
 };
 
 TEST_F(TypedValues, OfASetNameTheMemberThatDoesNotFit) {
